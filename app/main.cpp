@@ -1,0 +1,90 @@
+#include "Application.h"
+
+#include "CrashHandler.h"
+#include "OrbGlobalObject.h"
+#include "OrbImageLibrary.h"
+#include "OrbSettingsManager.h"
+#include "OrbTools.h"
+#include "Product.h"
+#include "VlcOptions.h"
+
+#include <QDir>
+#include <QLocale>
+#include <QProcess>
+#include <QThread>
+
+#include <exception>
+#include <memory>
+
+namespace {
+
+/// The program's settings, from before `main` until after it.
+OrbSettingsManager g_settings(Product::organisation(), Product::softwareName());
+
+/// What is needed to start the program again: the same arguments in the same folder.
+struct RestartData
+{
+    QString program;
+    QStringList arguments;
+    QString folder;
+};
+
+void installCrashHandler()
+{
+    const QLocale locale(g_settings.string(QStringLiteral("application/language"), QString()));
+    CrashHandler::Configuration configuration;
+    configuration.dumpType = g_settings.intValue(QStringLiteral("application/dump_type"), 0);
+    configuration.localeName = locale.name();
+    configuration.version = Product::version();
+    configuration.applicationName = Product::displayName();
+    configuration.dumpFolder = QDir::tempPath();
+    CrashHandler::install(configuration);
+}
+
+int run(int argc, char **argv)
+{
+    const QString startFolder = QDir::currentPath();
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+
+    const QString identifier = QStringLiteral("%1 - %2").arg(Product::organisation(),
+                                                             Product::softwareName());
+    auto application = std::make_unique<Application>(identifier, argc, argv);
+    QDir::setCurrent(QCoreApplication::applicationDirPath());
+    const RestartData restart{QCoreApplication::applicationFilePath(),
+                              QCoreApplication::arguments().mid(1), startFolder};
+
+    installCrashHandler();
+    OrbTools::start();
+    OrbImageLibrary::start();
+    VlcOptions vlcOptions;
+    application->setUp(&g_settings, &vlcOptions, startFolder);
+    const int result = QApplication::exec();
+    application->cleanUp();
+    OrbImageLibrary::stop();
+    OrbTools::stop();
+    application.reset();
+    CrashHandler::remove();
+
+    if (result == OrbGlobalObject::kRestartExitCode) {
+        QThread::sleep(1);
+        QProcess::startDetached(restart.program, restart.arguments, restart.folder);
+    }
+    return result;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    // Each failure goes on after its text is kept, so that the crash handler sees it.
+    try {
+        return run(argc, argv);
+    } catch (const std::exception &failure) {
+        CrashHandler::setMessage(QString::fromLocal8Bit(failure.what()));
+        throw;
+    } catch (...) {
+        CrashHandler::setMessage(QStringLiteral("Unknown excpetion"));
+        throw;
+    }
+}

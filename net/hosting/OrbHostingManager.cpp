@@ -1,0 +1,5 @@
+#include "OrbHostingManager.h"
+
+OrbHostingManager::OrbHostingManager(KernelSettingsWriter *, QObject *parent)
+    : QObject(parent)
+{}

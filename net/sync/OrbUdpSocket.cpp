@@ -1,0 +1,5 @@
+#include "OrbUdpSocket.h"
+
+OrbUdpSocket::OrbUdpSocket(OrbGlobalObject *, const QString &, QObject *parent)
+    : QObject(parent)
+{}

@@ -1,0 +1,6 @@
+#include "ImageDef.h"
+
+std::optional<ImageDef> ImageDef::open(const QString &)
+{
+    return std::nullopt;
+}

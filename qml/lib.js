@@ -1,0 +1,13 @@
+.pragma library
+
+function twoDigits(number) {
+    return number < 10 ? "0" + number : "" + number
+}
+
+// A time in milliseconds as "mm:ss", from an hour on as "h:mm:ss".
+function formatTime(time) {
+    var seconds = Math.round(time / 1000)
+    var minutes = Math.floor(seconds / 60)
+    var hours = Math.floor(minutes / 60)
+    return (hours === 0 ? "" : hours + ":") + twoDigits(minutes % 60) + ":" + twoDigits(seconds % 60)
+}

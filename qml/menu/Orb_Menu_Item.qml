@@ -1,0 +1,38 @@
+import QtQuick 2.0
+import "../theme"
+import "../widgets"
+
+// A row of a menu; its user replaces `action`.
+Rectangle {
+    id: orb_menuItem
+
+    property alias label: text.text
+    property bool currentItem: false
+
+    function action() {
+        console.log("WARNING in Orb_Menu_Item : function action is not implemented by user.")
+    }
+
+    width: parent.width
+    height: __menuItemHeight
+    color: Orb_Theme.veil
+    clip: true
+
+    Text {
+        id: text
+
+        width: parent.width - 10
+        height: parent.height
+        color: currentItem ? Orb_Theme.accent : Orb_Theme.text
+        font.pixelSize: Orb_Theme.menuTextSize
+        font.bold: true
+        horizontalAlignment: Text.AlignRight
+        verticalAlignment: Text.AlignVCenter
+    }
+
+    Orb_MouseArea {
+        anchors.fill: parent
+
+        onPressed: orb_menuItem.action()
+    }
+}

@@ -1,0 +1,101 @@
+import QtQuick 2.0
+import QtQuick.Controls 1.1
+import QtQuick.Dialogs 1.1
+
+FocusScope {
+    id: popupOpenFile
+
+    signal close()
+
+    function openFile() {
+        if (textInput.text !== "")
+            orbGlobalObject.openFile(textInput.text, false)
+        close()
+    }
+
+    focus: true
+
+    Keys.onPressed: {
+        event.accepted = true
+        if (event.key === Qt.Key_Escape)
+            close()
+    }
+
+    SystemPalette {
+        id: palette
+    }
+
+    Rectangle {
+        anchors.centerIn: parent
+        width: 600
+        height: 100
+        radius: 10
+        color: palette.window
+
+        Label {
+            x: 10
+            y: 10
+            text: qsTr("Open file/stream :")
+        }
+
+        Rectangle {
+            x: 10
+            y: 30
+            width: parent.width - 20
+            height: 25
+            radius: 5
+            color: "white"
+
+            TextInput {
+                id: textInput
+
+                anchors.fill: parent
+                anchors.margins: 5
+                focus: true
+                clip: true
+                selectByMouse: true
+
+                onAccepted: openFile()
+            }
+        }
+
+        Row {
+            x: 10
+            y: 65
+            spacing: 10
+
+            Button {
+                text: qsTr("Browse...")
+
+                onClicked: fileDialog.open()
+            }
+        }
+
+        Row {
+            anchors.right: parent.right
+            anchors.rightMargin: 10
+            y: 65
+            spacing: 10
+
+            Button {
+                text: qsTr("Open")
+                isDefault: true
+                enabled: textInput.text.length > 0
+
+                onClicked: openFile()
+            }
+
+            Button {
+                text: qsTr("Cancel")
+
+                onClicked: close()
+            }
+        }
+    }
+
+    FileDialog {
+        id: fileDialog
+
+        onAccepted: textInput.text = fileUrls[0]
+    }
+}

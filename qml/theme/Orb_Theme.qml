@@ -1,0 +1,18 @@
+pragma Singleton
+import QtQuick 2.0
+
+// Colours, sizes and durations that several files of the scene share.
+QtObject {
+    readonly property color accent: Qt.rgba(1, 0.25, 0.07, 1)
+    readonly property color veil: Qt.rgba(0, 0, 0, 0.7)
+    readonly property color bar: Qt.rgba(0, 0, 0, 0.8)
+    readonly property color separator: Qt.rgba(1, 1, 1, 0.5)
+    readonly property color text: "white"
+
+    readonly property int barHeight: 40
+    readonly property int barTextSize: 12
+    readonly property int menuTextSize: 14
+
+    readonly property int slideMs: 200
+    readonly property int popupMs: 500
+}

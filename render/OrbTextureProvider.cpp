@@ -1,0 +1,68 @@
+#include "OrbTextureProvider.h"
+
+#include "OrbSettingsManager.h"
+#include "SharedMemoryManager.h"
+
+#include <QOpenGLContext>
+#include <QQuickWindow>
+#include <QSGTexture>
+#include <QSGTextureProvider>
+
+namespace {
+const QString kSharedMemory = QStringLiteral("application/sharedmemory");
+} // namespace
+
+OrbTextureProvider::OrbTextureProvider(QQuickWindow *view, OrbSettingsManager *settings)
+    : m_view(view)
+{
+    if (settings->seededValue(kSharedMemory, false).toBool())
+        m_liveFeed = std::make_unique<SharedMemoryManager>();
+    connect(view, &QQuickWindow::afterRendering, this, &OrbTextureProvider::onQsgTextureChanged,
+            Qt::DirectConnection);
+    listenForSynchronisation();
+}
+
+OrbTextureProvider::~OrbTextureProvider() = default;
+
+int OrbTextureProvider::textureId() const
+{
+    return m_liveFeed ? m_liveFeed->textureId() : m_textureId.load();
+}
+
+void OrbTextureProvider::setTextureId(int id)
+{
+    if (m_textureId.exchange(id) != id)
+        emit textureIdChanged();
+}
+
+void OrbTextureProvider::setShaderEffectSource(QQuickItem *quickItem)
+{
+    m_sourceItem = quickItem;
+    listenForSynchronisation();
+}
+
+void OrbTextureProvider::listenForSynchronisation()
+{
+    connect(m_view, &QQuickWindow::beforeSynchronizing, this,
+            &OrbTextureProvider::onBeforeSynchronizing,
+            static_cast<Qt::ConnectionType>(Qt::DirectConnection | Qt::UniqueConnection));
+}
+
+void OrbTextureProvider::onBeforeSynchronizing()
+{
+    if (!m_context)
+        m_context = QOpenGLContext::currentContext();
+    m_provider = m_sourceItem && m_sourceItem->isTextureProvider() ? m_sourceItem->textureProvider()
+                                                                   : nullptr;
+    disconnect(m_view, &QQuickWindow::beforeSynchronizing, this,
+               &OrbTextureProvider::onBeforeSynchronizing);
+}
+
+void OrbTextureProvider::onQsgTextureChanged()
+{
+    if (!m_provider)
+        return;
+    const QSGTexture *texture = m_provider->texture();
+    if (texture && texture->textureId() != 0)
+        setTextureId(texture->textureId());
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QObject>
+#include <QOpenGLContext>
+#include <QPointer>
+#include <QQuickItem>
+#include <QSGTextureProvider>
+
+#include <atomic>
+#include <memory>
+
+class OrbSettingsManager;
+class QQuickWindow;
+class SharedMemoryManager;
+
+/// Which OpenGL texture holds the current frame of the panorama: the live feed's when that is
+/// switched on, else the one that a player names or that an item of the scene provides. The scene
+/// sees it as "orbTextureProvider".
+///
+/// Threads: it lives on the main thread. `onBeforeSynchronizing` runs on the render thread while
+/// the main thread waits. The provider belongs to the render thread and is touched there alone; an
+/// item's texture is asked for after every frame, since it can be replaced without a signal. The
+/// name is written on either thread and read on the render thread while painting.
+class OrbTextureProvider : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(int textureId READ textureId WRITE setTextureId NOTIFY textureIdChanged)
+
+public:
+    /// Neither argument is owned.
+    OrbTextureProvider(QQuickWindow *view, OrbSettingsManager *settings);
+    ~OrbTextureProvider() override;
+
+    /// The texture's OpenGL name in the render thread's context; 0 for none.
+    int textureId() const;
+    void setTextureId(int id);
+
+    /// Takes the texture of `quickItem` from the next synchronisation on. An item without a texture
+    /// provider changes nothing.
+    Q_INVOKABLE void setShaderEffectSource(QQuickItem *quickItem);
+
+    /// True when the live feed is the source.
+    Q_INVOKABLE bool isSharedMemory() const { return m_liveFeed != nullptr; }
+
+    /// The render thread's context, null before the first synchronisation.
+    QOpenGLContext *context() const { return m_context; }
+
+signals:
+    void textureIdChanged();
+
+public slots:
+    void onBeforeSynchronizing();
+    void onQsgTextureChanged();
+
+private:
+    void listenForSynchronisation();
+
+    std::atomic<int> m_textureId{0};
+    QPointer<QQuickItem> m_sourceItem;
+    QQuickWindow *m_view;
+    QPointer<QOpenGLContext> m_context;
+    QPointer<QSGTextureProvider> m_provider;
+    std::unique_ptr<SharedMemoryManager> m_liveFeed;
+};

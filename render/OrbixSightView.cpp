@@ -1,0 +1,135 @@
+#include "OrbixSightView.h"
+
+#include <QDateTime>
+#include <QOpenGLContext>
+#include <QPainter>
+#include <QQuickWindow>
+#include <QRunnable>
+
+namespace {
+
+constexpr int kRepaintsPerSecond = 100;
+
+/// Deletes a program on the thread that runs the job.
+class DeleteProgram : public QRunnable
+{
+public:
+    explicit DeleteProgram(std::unique_ptr<PanoramaProgram> program)
+        : m_program(std::move(program))
+    {}
+
+    void run() override { m_program.reset(); }
+
+private:
+    std::unique_ptr<PanoramaProgram> m_program;
+};
+
+} // namespace
+
+OrbixSightView::OrbixSightView(QQuickItem *parent)
+    : QQuickPaintedItem(parent)
+{
+    setMipmap(false);
+    setRenderTarget(QQuickPaintedItem::InvertedYFramebufferObject);
+    connect(&m_repaintTimer, &QTimer::timeout, this, [this] { update(); });
+    m_repaintTimer.start(1000 / kRepaintsPerSecond);
+}
+
+OrbixSightView::~OrbixSightView() = default;
+
+void OrbixSightView::init(OrbShaderCodeBuilder *builder, OrbGlobalObject *state,
+                          OrbTextureProvider *textureProvider)
+{
+    m_builder = builder;
+    m_state = state;
+    m_textureProvider = textureProvider;
+    using Builder = OrbShaderCodeBuilder;
+    for (const auto changed :
+         {&Builder::oculusModeChanged, &Builder::effectChanged, &Builder::projectionChanged,
+          &Builder::stereoModeChanged, &Builder::projectionSourceChanged,
+          &Builder::rotationSourceChanged, &Builder::invertedColorsChanged})
+        connect(builder, changed, this, &OrbixSightView::dirtyShader);
+    m_initialised = true;
+}
+
+void OrbixSightView::dirtyShader()
+{
+    m_shaderDirty = true;
+}
+
+void OrbixSightView::paint(QPainter *painter)
+{
+    if (!m_initialised)
+        return;
+    painter->beginNativePainting();
+    if (QOpenGLContext::currentContext()) {
+        if (m_shaderDirty.exchange(false)) {
+            m_program.reset();
+            m_program = PanoramaProgram::create(m_builder->build(false));
+        }
+        computeViewportParameters({painter->device()->width(), painter->device()->height()});
+        if (m_program)
+            m_program->draw(currentView(), static_cast<GLuint>(m_textureProvider->textureId()));
+    }
+    painter->endNativePainting();
+    computeFps();
+}
+
+void OrbixSightView::computeViewportParameters(const QSize &targetPixels)
+{
+    const QVector2D size(static_cast<float>(targetPixels.width()),
+                         static_cast<float>(targetPixels.height()));
+    if (m_viewport.size != size)
+        m_viewport = Viewport::ofTarget(targetPixels);
+}
+
+PanoramaView OrbixSightView::currentView() const
+{
+    PanoramaView view;
+    view.matViewInverse = m_state->rotationMatrix();
+    view.viewport = m_viewport;
+    view.fovDeg = m_state->fov();
+    view.yawMin = m_state->yawMin();
+    view.yawMax = m_state->yawMax();
+    view.pitchMin = m_state->pitchMin();
+    view.pitchMax = m_state->pitchMax();
+    view.cameraYaw = m_state->yaw();
+    view.cameraPitch = m_state->pitch();
+    return view;
+}
+
+void OrbixSightView::computeFps()
+{
+    const std::optional<int> frames = m_frames.frameShown(QDateTime::currentMSecsSinceEpoch());
+    if (!frames)
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this, count = *frames] {
+            m_fps = count;
+            emit fpsChanged();
+        },
+        Qt::QueuedConnection);
+}
+
+void OrbixSightView::itemChange(ItemChange change, const ItemChangeData &data)
+{
+    if (change == ItemSceneChange && data.window)
+        connect(
+            data.window, &QQuickWindow::sceneGraphInvalidated, this,
+            [this] {
+                m_program.reset();
+                m_shaderDirty = true;
+            },
+            Qt::DirectConnection);
+    QQuickPaintedItem::itemChange(change, data);
+}
+
+void OrbixSightView::releaseResources()
+{
+    if (m_program)
+        window()->scheduleRenderJob(new DeleteProgram(std::move(m_program)),
+                                    QQuickWindow::BeforeSynchronizingStage);
+    m_shaderDirty = true;
+    QQuickPaintedItem::releaseResources();
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "FrameCounter.h"
+#include "OrbGlobalObject.h"
+#include "OrbShaderCodeBuilder.h"
+#include "OrbTextureProvider.h"
+#include "PanoramaProgram.h"
+
+#include <QQuickPaintedItem>
+#include <QTimer>
+
+#include <atomic>
+#include <memory>
+
+/// The panorama in the window: one quad drawn with the generated shader, from whatever texture the
+/// provider names, a hundred times a second at most.
+///
+/// Threads: the item lives on the main thread; `paint` runs on the render thread, owns the program,
+/// the viewport and the frame counter, and reads the view state and the builder without a lock. The
+/// program is deleted on the render thread, when the window drops its OpenGL resources or the item
+/// leaves it.
+class OrbixSightView : public QQuickPaintedItem
+{
+    Q_OBJECT
+    Q_PROPERTY(int fps READ fps NOTIFY fpsChanged)
+
+public:
+    explicit OrbixSightView(QQuickItem *parent = nullptr);
+    ~OrbixSightView() override;
+
+    /// Links the item to what it draws from; none is owned. Until then it draws nothing.
+    Q_INVOKABLE void init(OrbShaderCodeBuilder *builder, OrbGlobalObject *state,
+                          OrbTextureProvider *textureProvider);
+
+    /// Frames painted in the last whole second.
+    int fps() const { return m_fps; }
+
+    void paint(QPainter *painter) override;
+
+signals:
+    void fpsChanged();
+
+public slots:
+    /// The next paint builds the program anew.
+    void dirtyShader();
+
+protected:
+    void itemChange(ItemChange change, const ItemChangeData &data) override;
+    void releaseResources() override;
+
+private:
+    void computeViewportParameters(const QSize &targetPixels);
+    void computeFps();
+    PanoramaView currentView() const;
+
+    std::unique_ptr<PanoramaProgram> m_program;
+    OrbShaderCodeBuilder *m_builder = nullptr;
+    OrbGlobalObject *m_state = nullptr;
+    OrbTextureProvider *m_textureProvider = nullptr;
+    std::atomic<bool> m_initialised{false};
+    std::atomic<bool> m_shaderDirty{true};
+    int m_fps = 0;
+    FrameCounter m_frames;
+    Viewport m_viewport;
+    QTimer m_repaintTimer;
+};
