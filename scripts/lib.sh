@@ -1,0 +1,115 @@
+# shellcheck shell=bash
+# Common functions of the scripts; to be sourced. Sets root, the top folder of the clone.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
+
+fail() {
+    echo "$*" >&2
+    exit 1
+}
+
+# read_lists LIST…: the packages of scripts/packages/LIST.txt, one a line.
+read_lists() {
+    local list
+    for list in "$@"; do
+        sed 's/#.*//; s/[[:space:]]//g; /^$/d' "$root/scripts/packages/$list.txt"
+    done | sort -u
+}
+
+# require_packages LIST…: installs what is missing of the lists. Needs root or sudo only then.
+require_packages() {
+    local as_root=(env) wanted present missing log=$root/build/apt.log
+    if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+        echo "Not a Debian system: nothing is installed; needed is what scripts/packages lists" \
+            "in ${*/%/.txt}." >&2
+        return
+    fi
+    wanted=$(read_lists "$@")
+    # shellcheck disable=SC2086
+    present=$(dpkg-query -W -f '${Package} ${db:Status-Status}\n' $wanted 2>/dev/null |
+        sed -n 's/ installed$//p' | sort -u) || true
+    missing=$(comm -23 <(echo "$wanted") <(echo "$present") | paste -sd ' ')
+    [[ -n $missing ]] || return 0
+
+    if ((EUID != 0)); then
+        command -v sudo >/dev/null ||
+            fail "These packages are missing, and installing them needs root or sudo: $missing"
+        as_root=(sudo env)
+    fi
+    echo "Installing: $missing"
+    mkdir -p "$root/build"
+    # shellcheck disable=SC2086
+    if ! { "${as_root[@]}" apt-get update &&
+        "${as_root[@]}" DEBIAN_FRONTEND=noninteractive \
+            apt-get install -y --no-install-recommends $missing; } </dev/null &>"$log"; then
+        cat "$log" >&2
+        fail "apt-get could not install: $missing"
+    fi
+}
+
+# build PRESET: configures when the presets or the system's packages changed, and builds. Shows its
+# output until it succeeded once; later only when it fails.
+build() {
+    local preset=$1 folder=$root/build/$1
+    if [[ ! -e $folder/built ]]; then
+        run_build "$preset" || fail "The build of the preset $preset failed."
+        touch "$folder/built"
+    elif ! run_build "$preset" &>"$folder/build.log"; then
+        cat "$folder/build.log" >&2
+        fail "The build of the preset $preset failed."
+    fi
+}
+
+run_build() (
+    ninja=build/$1/build.ninja
+    cd "$root" || return
+    if [[ ! $ninja -nt CMakePresets.json || ! $ninja -nt /var/lib/dpkg/status ]]; then
+        cmake --preset "$1" || return
+    fi
+    cmake --build --preset "$1"
+)
+
+# with_display COMMAND…: runs it (a program or a function) under an X server of its own and returns
+# its status. Whatever it started ends with it, also on a signal.
+with_display() {
+    local number status=0
+    display_job='' display_server='' display_log=$(mktemp)
+    trap end_display EXIT
+    trap 'exit 130' INT
+    trap 'exit 143' TERM HUP
+
+    set -m # a process group for each job
+    coproc exec setpriv --pdeathsig TERM \
+        Xvfb -displayfd 1 -screen 0 1280x720x24 -nolisten tcp 2>"$display_log"
+    display_server=$COPROC_PID
+    if ! read -r -t 30 number <&"${COPROC[0]}"; then
+        cat "$display_log" >&2
+        fail "The X server Xvfb does not start."
+    fi
+    DISPLAY=:$number WAYLAND_DISPLAY='' QT_QPA_PLATFORM=xcb "$@" </dev/null &
+    display_job=$!
+    set +m
+    wait "$display_job" || status=$?
+
+    end_display
+    trap - EXIT INT TERM HUP
+    return "$status"
+}
+
+end_display() {
+    trap '' INT TERM HUP
+    [[ -z $display_job ]] || end_group "$display_job"
+    [[ -z $display_server ]] || end_group "$display_server"
+    rm -f "$display_log"
+}
+
+# end_group ID: ends a process group, with force after five seconds.
+end_group() {
+    local tries=50
+    kill -TERM -- "-$1" 2>/dev/null || return 0
+    while ((tries-- > 0)); do
+        sleep 0.1
+        kill -0 -- "-$1" 2>/dev/null || return 0
+    done
+    kill -KILL -- "-$1" 2>/dev/null || true
+}
