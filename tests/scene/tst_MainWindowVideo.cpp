@@ -1,0 +1,202 @@
+#include "SceneFixture.h"
+
+#include <QTest>
+
+namespace {
+constexpr int kFilmMs = 2000;
+constexpr int kFrameMs = 40;
+constexpr int kPatienceMs = 20000;
+constexpr int kColourTolerance = 12; // of the encoder and the change between colour spaces
+} // namespace
+
+/// A film through the platform's media service.
+class tst_MainWindowVideo : public SceneFixture
+{
+    Q_OBJECT
+
+private:
+    int positionMs() const { return player(QStringLiteral("position")).toInt(); }
+    bool comesTo(int ms) const;
+    bool plays() const { return playbackState() == QMediaPlayer::PlayingState; }
+    int playbackState() const { return player(QStringLiteral("playbackState")).toInt(); }
+    QVariant player(const QString &property) const
+    {
+        return scene(QStringLiteral("orb_mediaLoader.mediaPlayer.") + property);
+    }
+    bool showsFilmAhead() const;
+    void openFilm();
+    void seekAndWait(int positionMs);
+
+private slots:
+    void init();
+    void aFilmPlaysAndShowsItsColours();
+    void aFilmStartsAgainAtItsEnd();
+    void spacePausesAndGoesOn();
+    void arrowsJumpInTimeAndShowThePosition_data();
+    void arrowsJumpInTimeAndShowThePosition();
+    void theBarPlaysPausesAndSeeks();
+    void aPictureEndsTheFilmAndAnotherFilmThePicture();
+    void aFilmInAPlaylistGoesOnToTheNextEntry();
+};
+
+bool tst_MainWindowVideo::showsFilmAhead() const
+{
+    const QImage image = grab();
+    const auto isFilm = [&](const QColor &colour, const QPoint &aside) {
+        return isClose(image.pixelColor(middle() + aside), colour, kColourTolerance);
+    };
+    return isFilm(TestMedia::filmLeft(), {-100, -100}) && isFilm(TestMedia::filmLeft(), {-100, 100})
+        && isFilm(TestMedia::filmRight(), {100, -100})
+        && isFilm(TestMedia::filmRight(), {100, 100});
+}
+
+/// Waits for a position. The service's messages come one a frame where the scene has no thread of
+/// its own, so a jump takes its time.
+bool tst_MainWindowVideo::comesTo(int ms) const
+{
+    return QTest::qWaitFor([this, ms] { return qAbs(positionMs() - ms) <= kFrameMs; }, kPatienceMs);
+}
+
+void tst_MainWindowVideo::openFilm()
+{
+    QVERIFY(dropFiles({media.film()}));
+    QTRY_VERIFY(plays());
+    QTRY_COMPARE(playerStatus(), QMediaPlayer::BufferedMedia);
+}
+
+void tst_MainWindowVideo::seekAndWait(int position)
+{
+    scene(QStringLiteral("orb_mediaLoader.mediaPlayer.seek(%1)").arg(position));
+    QVERIFY(comesTo(position));
+}
+
+void tst_MainWindowVideo::init()
+{
+    SceneFixture::init();
+    QVERIFY2(!media.film().isEmpty(), "the encoder failed");
+    openFilm();
+}
+
+void tst_MainWindowVideo::aFilmPlaysAndShowsItsColours()
+{
+    QCOMPARE(title(), QStringLiteral("Orbix Sight - ") + fileUrl(media.film()).toString());
+    QTRY_VERIFY(showsFilmAhead());
+    QTRY_VERIFY(qAbs(player(QStringLiteral("duration")).toInt() - kFilmMs) <= kFrameMs);
+    QTRY_VERIFY(positionMs() > 0);
+    const int before = positionMs();
+    QTRY_VERIFY(positionMs() != before);
+    keepPicture(QStringLiteral("film"));
+}
+
+void tst_MainWindowVideo::aFilmStartsAgainAtItsEnd()
+{
+    scene(QStringLiteral("orb_mediaLoader.mediaPlayer.seek(1600)"));
+    QTRY_VERIFY(positionMs() >= 1500);
+    QTRY_VERIFY(positionMs() < 1000);
+    QTRY_VERIFY(plays());
+    QTRY_COMPARE(playerStatus(), QMediaPlayer::BufferedMedia);
+    QTRY_VERIFY(positionMs() > 0);
+    QTRY_VERIFY(showsFilmAhead());
+}
+
+void tst_MainWindowVideo::spacePausesAndGoesOn()
+{
+    key(Qt::Key_Space);
+    QTRY_COMPARE(playbackState(), int(QMediaPlayer::PausedState));
+    QVERIFY(imageItem(QStringLiteral("newui/pause_icon.png")));
+    const int before = positionMs();
+    QVERIFY(!QTest::qWaitFor([&] { return positionMs() != before; }, 300));
+    QVERIFY(showsFilmAhead());
+    keepPicture(QStringLiteral("paused"));
+
+    key(Qt::Key_Space);
+    QTRY_VERIFY(plays());
+    QVERIFY(imageItem(QStringLiteral("newui/play_icon.png")));
+    QTRY_VERIFY(positionMs() != before);
+    QTRY_VERIFY(!imageItem(QStringLiteral("newui/play_icon.png")));
+}
+
+void tst_MainWindowVideo::arrowsJumpInTimeAndShowThePosition_data()
+{
+    QTest::addColumn<int>("from");
+    QTest::addColumn<Qt::Key>("pressed");
+    QTest::addColumn<int>("to");
+
+    QTest::newRow("right") << 400 << Qt::Key_Right << 1400;
+    QTest::newRow("left") << 1600 << Qt::Key_Left << 600;
+    QTest::newRow("up, a twentieth of the film") << 1000 << Qt::Key_Up << 1100;
+    QTest::newRow("down, a twentieth of the film") << 1000 << Qt::Key_Down << 900;
+    QTest::newRow("beyond the end") << 1600 << Qt::Key_Right << 0;
+    QTest::newRow("before the start") << 600 << Qt::Key_Left << 0;
+}
+
+void tst_MainWindowVideo::arrowsJumpInTimeAndShowThePosition()
+{
+    QFETCH(int, from);
+    QFETCH(Qt::Key, pressed);
+    QFETCH(int, to);
+    for (const auto modifier : {Qt::ControlModifier, Qt::AltModifier}) {
+        if (plays())
+            key(Qt::Key_Space);
+        QTRY_VERIFY(!plays());
+        seekAndWait(from);
+        key(pressed, modifier);
+        QVERIFY2(comesTo(to), qPrintable(QString::number(positionMs())));
+        QVERIFY(reads(QStringLiteral("00:00")) || reads(QStringLiteral("00:01")));
+    }
+}
+
+void tst_MainWindowVideo::theBarPlaysPausesAndSeeks()
+{
+    moveTo(middle());
+    QTRY_COMPARE(scene(QStringLiteral("orb_bar.y + orb_bar.height - root.height")).toReal(), 0.);
+    clickOn(imageItem(QStringLiteral("newui/pause_mini_button.png")));
+    QTRY_VERIFY(!plays());
+    QVERIFY(!imageItem(QStringLiteral("newui/pause_mini_button.png")));
+
+    QQuickItem *knob = imageItem(QStringLiteral("button_16.png"));
+    QVERIFY(knob);
+    const QQuickItem *bar = knob->parentItem();
+    const auto onTimeline = [bar](qreal share) {
+        return bar->mapToScene({bar->width() * share, bar->height() / 2}).toPoint();
+    };
+    clickAt(onTimeline(0.75));
+    QVERIFY(comesTo(kFilmMs * 3 / 4));
+    QTRY_VERIFY(qAbs(knob->mapToScene({knob->width() / 2, 0}).x() - onTimeline(0.75).x())
+                <= bar->width() * kFrameMs / kFilmMs);
+    drag(onTimeline(0.5), onTimeline(0.25) - onTimeline(0.5));
+    QVERIFY(comesTo(kFilmMs / 4));
+    keepPicture(QStringLiteral("film-bar"));
+
+    clickOn(imageItem(QStringLiteral("newui/play_mini_button.png")));
+    QTRY_VERIFY(plays());
+}
+
+void tst_MainWindowVideo::aPictureEndsTheFilmAndAnotherFilmThePicture()
+{
+    const QObject *film = scene(QStringLiteral("orb_mediaLoader.mediaPlayer")).value<QObject *>();
+    QVERIFY(dropFiles({media.octants()}));
+    QTRY_VERIFY(showsOctantsAhead());
+    QTRY_COMPARE(film->property("playbackState").toInt(), int(QMediaPlayer::StoppedState));
+    QVERIFY(film->property("mediaSource").toUrl().isEmpty());
+    openFilm();
+    QTRY_VERIFY(showsFilmAhead());
+}
+
+void tst_MainWindowVideo::aFilmInAPlaylistGoesOnToTheNextEntry()
+{
+    QVERIFY(dropFiles({media.film(), media.octants()}));
+    QTRY_VERIFY(plays());
+    QTRY_COMPARE(playerStatus(), QMediaPlayer::BufferedMedia);
+    QCOMPARE(view()->playListIndex(), 0);
+    scene(QStringLiteral("orb_mediaLoader.mediaPlayer.seek(1500)"));
+    QTRY_COMPARE(view()->playListIndex(), 1);
+    QTRY_VERIFY(showsOctantsAhead());
+}
+
+int main(int argc, char **argv)
+{
+    return tst_MainWindowVideo().run(argc, argv);
+}
+
+#include "tst_MainWindowVideo.moc"
