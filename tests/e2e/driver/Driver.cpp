@@ -1,0 +1,161 @@
+#include "Driver.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QOpenGLContext>
+#include <QQuickItem>
+#include <QThread>
+#include <QWidget>
+
+#include <unistd.h>
+#include <chrono>
+
+namespace {
+
+double monotonicMs()
+{
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return std::chrono::duration<double, std::milli>(now).count();
+}
+
+QByteArray line(const QJsonObject &object)
+{
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+/// Adds the texts that can be seen in an item and its children.
+void collectTexts(const QQuickItem *item, QJsonArray &texts)
+{
+    if (!item->isVisible() || item->opacity() <= 0)
+        return;
+    const QString text = item->property("text").toString();
+    if (!text.isEmpty())
+        texts.append(text);
+    const QList<QQuickItem *> children = item->childItems();
+    for (const QQuickItem *child : children)
+        collectTexts(child, texts);
+}
+
+QJsonArray shownTexts()
+{
+    QJsonArray texts;
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    for (const QWindow *window : windows) {
+        const auto *scene = qobject_cast<const QQuickWindow *>(window);
+        if (scene && scene->isVisible())
+            collectTexts(scene->contentItem(), texts);
+    }
+    const QWidgetList widgets = QApplication::topLevelWidgets();
+    for (const QWidget *widget : widgets) {
+        const QString text = widget->property("text").toString();
+        if (widget->isVisible() && !text.isEmpty())
+            texts.append(text);
+    }
+    return texts;
+}
+
+} // namespace
+
+Driver::Driver()
+    : m_log(qEnvironmentVariable("ORBIX_DRIVER_LOG"))
+{
+    if (!m_log.open(QIODevice::ReadWrite | QIODevice::Append))
+        qFatal("The driver cannot write its log %s", qPrintable(m_log.fileName()));
+
+    m_log.seek(0);
+    const int startsBefore = m_log.readAll().count("\"start\"");
+    const QString exitCodes = qEnvironmentVariable("ORBIX_DRIVER_EXITS");
+    if (!exitCodes.isEmpty()) {
+        m_exitCode = exitCodes.split(QLatin1Char(',')).value(startsBefore, QStringLiteral("0"));
+    } else {
+        m_commandNotifier = std::make_unique<QSocketNotifier>(STDIN_FILENO, QSocketNotifier::Read);
+        connect(m_commandNotifier.get(), &QSocketNotifier::activated, this, &Driver::readCommands);
+    }
+    log(QStringLiteral("start"),
+        {{QStringLiteral("arguments"),
+          QJsonArray::fromStringList(QCoreApplication::arguments().mid(1))},
+         {QStringLiteral("folder"), QDir::currentPath()}});
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+void Driver::log(const QString &event, QJsonObject values)
+{
+    values.insert(QStringLiteral("event"), event);
+    values.insert(QStringLiteral("pid"), QCoreApplication::applicationPid());
+    values.insert(QStringLiteral("timeMs"), monotonicMs());
+    m_log.write(line(values));
+    m_log.flush();
+}
+
+bool Driver::eventFilter(QObject *object, QEvent *event)
+{
+    auto *window = qobject_cast<QQuickWindow *>(object);
+    if (!m_window && window && event->type() == QEvent::Expose) {
+        m_window = window;
+        connect(window, &QQuickWindow::frameSwapped, this, &Driver::onFrameShown);
+    }
+    return false;
+}
+
+void Driver::onFrameShown()
+{
+    if (++m_frames > 1)
+        return;
+    log(QStringLiteral("frame"), {{QStringLiteral("title"), m_window->title()}});
+    if (!m_exitCode.isEmpty())
+        end(m_exitCode.toInt());
+}
+
+void Driver::readCommands()
+{
+    char buffer[256];
+    const ssize_t size = read(STDIN_FILENO, buffer, sizeof buffer);
+    if (size <= 0) {
+        m_commandNotifier->setEnabled(false);
+        return;
+    }
+    m_commands.append(buffer, static_cast<int>(size));
+    for (int end = 0; (end = m_commands.indexOf('\n')) >= 0;) {
+        const QByteArray command = m_commands.left(end);
+        m_commands.remove(0, end + 1);
+        obey(command);
+    }
+}
+
+void Driver::obey(const QByteArray &command)
+{
+    if (command.startsWith("exit ")) {
+        end(command.mid(5).toInt());
+    } else if (command == "state") {
+        const QByteArray answer = line(state());
+        if (write(STDOUT_FILENO, answer.constData(), static_cast<size_t>(answer.size()))
+            != answer.size())
+            qFatal("The driver cannot answer");
+    } else {
+        qFatal("The driver does not know the command %s", command.constData());
+    }
+}
+
+void Driver::end(int exitCode)
+{
+    log(QStringLiteral("end"), {});
+    QCoreApplication::exit(exitCode);
+}
+
+QJsonObject Driver::state() const
+{
+    QJsonObject state{{QStringLiteral("texts"), shownTexts()}};
+    if (m_window) {
+        const QOpenGLContext *context = m_window->openglContext();
+        state.insert(QStringLiteral("frames"), m_frames);
+        state.insert(QStringLiteral("title"), m_window->title());
+        state.insert(QStringLiteral("window"), static_cast<qint64>(m_window->winId()));
+        state.insert(QStringLiteral("fullScreen"), m_window->visibility() == QWindow::FullScreen);
+        state.insert(QStringLiteral("openGlEs"), context && context->isOpenGLES());
+        state.insert(QStringLiteral("renderThread"), context && context->thread() != thread());
+    }
+    return state;
+}

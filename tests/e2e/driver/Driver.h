@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QFile>
+#include <QObject>
+#include <QPointer>
+#include <QQuickWindow>
+#include <QSocketNotifier>
+#include <QStringList>
+
+#include <memory>
+
+/// Sits inside the real program, which loads it as a plugin of Qt, and lets a test watch and end
+/// it.
+///
+/// To the file of the variable ORBIX_DRIVER_LOG it adds a line, a JSON object, when the program
+/// starts, when its window has shown a frame and when it is told to end. With ORBIX_DRIVER_EXITS, a
+/// list of numbers with commas, the first process to write into the log ends with the first number
+/// as soon as a frame was shown, the next one with the second. Else it obeys the lines of standard
+/// input: "state" answers with a JSON object on a line of standard output, "exit N" ends the event
+/// loop with N.
+///
+/// Main thread.
+class Driver : public QObject
+{
+    Q_OBJECT
+
+public:
+    Driver();
+
+    bool eventFilter(QObject *object, QEvent *event) override;
+
+private:
+    void log(const QString &event, QJsonObject values);
+    void onFrameShown();
+    void readCommands();
+    void obey(const QByteArray &command);
+    void end(int exitCode);
+    QJsonObject state() const;
+
+    QFile m_log;
+    QString m_exitCode; ///< empty: wait for commands
+    QPointer<QQuickWindow> m_window;
+    int m_frames = 0; ///< shown by the window
+    std::unique_ptr<QSocketNotifier> m_commandNotifier;
+    QByteArray m_commands; ///< what was read of the next line
+};
