@@ -107,7 +107,10 @@ void Application::createObjects(const QVariantMap &commandLine)
                                              commandLine.value(QStringLiteral("demo")).toBool());
     connect(m_view.get(), &QQuickWindow::sceneGraphInitialized, this,
             &Application::checkOpenGLVersion, Qt::DirectConnection);
-    connect(m_view.get(), SIGNAL(closing(QQuickCloseEvent *)), this, SLOT(quit()));
+    // The event of this signal is private to Qt: only its name connects.
+    // clang-format off
+    connect(m_view.get(), SIGNAL(closing(QQuickCloseEvent*)), this, SLOT(quit()));
+    // clang-format on
     initPlayerResources();
     initSceneResources();
     m_view->engine()->addImportPath(kResourceRoot);

@@ -8,7 +8,7 @@ class OrbLog : public QObject
     Q_OBJECT
 
 signals:
-    // One name for a message with and without its number. clazy:exclude=overloaded-signal
-    void Logged(int id, const QString &log);
-    void Logged(const QString &log);
+    // One name for a message with and without its number.
+    void Logged(int id, const QString &log); // clazy:exclude=overloaded-signal
+    void Logged(const QString &log);         // clazy:exclude=overloaded-signal
 };

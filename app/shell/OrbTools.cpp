@@ -5,20 +5,26 @@
 #include <memory>
 
 namespace {
-std::unique_ptr<OrbLog> g_log;
+
+std::unique_ptr<OrbLog> &instance()
+{
+    static std::unique_ptr<OrbLog> log;
+    return log;
 }
+
+} // namespace
 
 void OrbTools::start()
 {
-    g_log = std::make_unique<OrbLog>();
+    instance() = std::make_unique<OrbLog>();
 }
 
 void OrbTools::stop()
 {
-    g_log.reset();
+    instance().reset();
 }
 
 OrbLog *OrbTools::log()
 {
-    return g_log.get();
+    return instance().get();
 }

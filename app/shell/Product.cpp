@@ -16,7 +16,7 @@ QString organisation()
 
 QString version()
 {
-    return QStringLiteral(ORBIX_VERSION);
+    return QString::fromLatin1(ORBIX_VERSION);
 }
 
 QString softwareName()
@@ -31,17 +31,17 @@ QString code()
 
 QString makerUrl()
 {
-    return QStringLiteral(ORBIX_MAKER_URL);
+    return QString::fromLatin1(ORBIX_MAKER_URL);
 }
 
 QString documentationUrl()
 {
-    return QStringLiteral(ORBIX_DOCUMENTATION_URL);
+    return QString::fromLatin1(ORBIX_DOCUMENTATION_URL);
 }
 
 QString updateServerUrl()
 {
-    return QStringLiteral(ORBIX_UPDATE_SERVER_URL);
+    return QString::fromLatin1(ORBIX_UPDATE_SERVER_URL);
 }
 
 } // namespace Product

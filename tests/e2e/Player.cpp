@@ -83,7 +83,8 @@ QString Player::settingsFile() const
 
 void Player::setSetting(const QString &key, const QVariant &value)
 {
-    QSettings(settingsFile(), QSettings::IniFormat).setValue(key, value);
+    QSettings stored(settingsFile(), QSettings::IniFormat);
+    stored.setValue(key, value);
 }
 
 QVariantMap Player::settings() const

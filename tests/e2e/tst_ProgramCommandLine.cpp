@@ -137,7 +137,7 @@ void tst_ProgramCommandLine::aHostileFileIsReportedAndTheProgramGoesOn_data()
                                             "libpng error: .*|.* JPEG .*");
     const QString videoLog = QStringLiteral(
         "GStreamer; Unable to .*|Warning: \".*\"|Error: \".*\"");
-    const QString empty = QStringLiteral("");
+    const QString empty;
     const QByteArray garbage = HostileFiles::garbage();
     const QByteArray jpeg = HostileFiles::jpeg();
 

@@ -79,7 +79,8 @@ void tst_ShaderText::theTableIsComplete()
 void tst_ShaderText::theTextIsTheTablesToTheByte_data()
 {
     QTest::addColumn<QList<QByteArray>>("row");
-    for (const QList<QByteArray> &row : tableRows())
+    const auto rows = tableRows();
+    for (const QList<QByteArray> &row : rows)
         QTest::newRow(row.mid(0, Bytes).join(' ').constData()) << row;
 }
 

@@ -148,8 +148,8 @@ void tst_MainWindowMedia::aPlaylistFileShowsItsLogoBesideThePicture()
 
 void tst_MainWindowMedia::aPlaylistFileOfOneEntryIsNoPlaylist()
 {
-    const QString slide = media.flat(QStringLiteral("slide.png"), kBlueSlide);
-    const QString logo = media.flat(QStringLiteral("logo.png"), kLogo, kLogoSize);
+    media.flat(QStringLiteral("slide.png"), kBlueSlide);
+    media.flat(QStringLiteral("logo.png"), kLogo, kLogoSize);
     QVERIFY(dropFiles({playlist({{QStringLiteral("slide.png"), QStringLiteral("logo.png")}})}));
     QTRY_VERIFY(shows(kBlueSlide, {400, 300}));
     QTRY_VERIFY(shows(kLogo, {window()->width() - 2, 2}));

@@ -4,7 +4,7 @@
 
 namespace {
 constexpr int kSlideMs = 700;
-const QVector<QColor> kColours{{10, 120, 240}, {240, 90, 60}, {60, 200, 90}};
+constexpr QColor kColours[] = {{10, 120, 240}, {240, 90, 60}, {60, 200, 90}};
 } // namespace
 
 /// A playlist of pictures that goes on by itself, at the pace of the settings.

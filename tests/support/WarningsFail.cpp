@@ -12,21 +12,30 @@ struct Expected
     bool seen = false;
 };
 
-QMutex g_mutex; // messages come from every thread
-QStringList g_unexpected;
-QVector<Expected> g_expected;
-QVector<QRegularExpression> g_ignored;
-QtMessageHandler g_previous = nullptr;
+struct Log
+{
+    QMutex mutex; // messages come from every thread
+    QStringList unexpected;
+    QVector<Expected> expected;
+    QVector<QRegularExpression> ignored;
+    QtMessageHandler previous = nullptr;
+};
+
+Log &messages()
+{
+    static Log instance;
+    return instance;
+}
 
 bool isKnown(const QString &message)
 {
-    for (Expected &expected : g_expected) {
+    for (Expected &expected : messages().expected) {
         if (expected.pattern.match(message).hasMatch()) {
             expected.seen = true;
             return true;
         }
     }
-    for (const QRegularExpression &ignored : qAsConst(g_ignored)) {
+    for (const QRegularExpression &ignored : qAsConst(messages().ignored)) {
         if (ignored.match(message).hasMatch())
             return true;
     }
@@ -36,11 +45,11 @@ bool isKnown(const QString &message)
 void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     if (type != QtDebugMsg && type != QtInfoMsg) {
-        const QMutexLocker lock(&g_mutex);
+        const QMutexLocker lock(&messages().mutex);
         if (!isKnown(message))
-            g_unexpected.append(message);
+            messages().unexpected.append(message);
     }
-    g_previous(type, context, message);
+    messages().previous(type, context, message);
 }
 
 } // namespace
@@ -55,37 +64,37 @@ WarningsFail::~WarningsFail() = default;
 
 void WarningsFail::expectWarning(const QString &pattern)
 {
-    const QMutexLocker lock(&g_mutex);
-    g_expected.append({QRegularExpression(pattern), false});
+    const QMutexLocker lock(&messages().mutex);
+    messages().expected.append({QRegularExpression(pattern), false});
 }
 
 void WarningsFail::ignoreWarning(const QString &pattern)
 {
-    const QMutexLocker lock(&g_mutex);
-    g_ignored.append(QRegularExpression(pattern));
+    const QMutexLocker lock(&messages().mutex);
+    messages().ignored.append(QRegularExpression(pattern));
 }
 
 void WarningsFail::init()
 {
     // The test library puts its own handler in place when it starts, so ours goes in front of it
     // here.
-    if (!g_previous)
-        g_previous = qInstallMessageHandler(handleMessage);
+    if (!messages().previous)
+        messages().previous = qInstallMessageHandler(handleMessage);
 }
 
 void WarningsFail::cleanup()
 {
     QStringList faults;
     {
-        const QMutexLocker lock(&g_mutex);
-        for (const QString &message : qAsConst(g_unexpected))
+        const QMutexLocker lock(&messages().mutex);
+        for (const QString &message : qAsConst(messages().unexpected))
             faults += QStringLiteral("unexpected: ") + message;
-        for (const Expected &expected : qAsConst(g_expected)) {
+        for (const Expected &expected : qAsConst(messages().expected)) {
             if (!expected.seen)
                 faults += QStringLiteral("never came: ") + expected.pattern.pattern();
         }
-        g_unexpected.clear();
-        g_expected.clear();
+        messages().unexpected.clear();
+        messages().expected.clear();
     }
     if (!faults.isEmpty())
         QFAIL(qPrintable(faults.join(QLatin1Char('\n'))));
