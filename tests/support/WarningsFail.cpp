@@ -49,7 +49,8 @@ void handleMessage(QtMsgType type, const QMessageLogContext &context, const QStr
         if (!isKnown(message))
             messages().unexpected.append(message);
     }
-    messages().previous(type, context, message);
+    if (messages().previous)
+        messages().previous(type, context, message);
 }
 
 } // namespace
