@@ -26,6 +26,9 @@ Loader {
     property int fps: 0
     property string textureTransfer: ""
 
+    // A new frame stands in the texture.
+    signal frameArrived()
+
     function pause() { item.pause() }
     function play() { item.play() }
     function seek(offset) { item.seek(offset) }
@@ -75,5 +78,6 @@ Loader {
     onMediaSourceChanged: buildLogMessage()
     onStatusChanged: buildLogMessage()
 
-    Component.onCompleted: source = "Orb_MediaPlayer_Qt.qml"
+    Component.onCompleted: source = backend === "vlc" || backend === "vlc_hw"
+                                    ? "Orb_MediaPlayer_VLC.qml" : "Orb_MediaPlayer_Qt.qml"
 }

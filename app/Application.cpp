@@ -74,13 +74,11 @@ Application::~Application()
     cleanUp();
 }
 
-void Application::setUp(OrbSettingsManager *settings, VlcOptions *vlcOptions,
-                        const QString &startFolder)
+void Application::setUp(OrbSettingsManager *settings, const QString &startFolder)
 {
     m_settings = settings;
-    m_vlcOptions = vlcOptions;
     const QVariantMap commandLine = parseCommandLine(*this, startFolder);
-    m_vlcOptions->load(*settings);
+    VlcOptions::process().load(*settings);
     createObjects(commandLine);
     setContextObjects();
     registerTypes();
@@ -186,7 +184,7 @@ void Application::cleanUp()
 {
     if (!m_view)
         return;
-    m_vlcOptions->save(*m_settings);
+    VlcOptions::process().save(*m_settings);
     // The scene's bindings read the objects: it goes before them.
     m_view->setSource(QUrl());
     m_realSense.reset();

@@ -17,7 +17,6 @@ class OrbShaderCodeBuilder;
 class OrbTextureProvider;
 class OrbUdpSocket;
 class OrbVideoPlugin;
-struct VlcOptions;
 
 /// The program: makes the long-lived objects in a fixed order, links them to the scene, and deletes
 /// them in another fixed order. They hold plain pointers to each other.
@@ -34,7 +33,7 @@ public:
 
     /// Builds everything, shows the window and opens the files of the command line. The arguments
     /// are not owned; relative files start at `startFolder`.
-    void setUp(OrbSettingsManager *settings, VlcOptions *vlcOptions, const QString &startFolder);
+    void setUp(OrbSettingsManager *settings, const QString &startFolder);
 
     /// Undoes `setUp`. Safe without it.
     void cleanUp();
@@ -56,7 +55,6 @@ private:
     void showWindow();
 
     OrbSettingsManager *m_settings = nullptr;
-    VlcOptions *m_vlcOptions = nullptr;
     std::unique_ptr<OrbQQuickView> m_view;
     std::unique_ptr<OrbGlobalObject> m_globalObject;
     std::unique_ptr<OrbShaderCodeBuilder> m_shaderCodeBuilder;

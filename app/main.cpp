@@ -6,7 +6,6 @@
 #include "OrbSettingsManager.h"
 #include "OrbTools.h"
 #include "Product.h"
-#include "VlcOptions.h"
 
 #include <QDir>
 #include <QLocale>
@@ -57,8 +56,7 @@ int run(int argc, char **argv)
     installCrashHandler();
     OrbTools::start();
     OrbImageLibrary::start();
-    VlcOptions vlcOptions;
-    application->setUp(&g_settings, &vlcOptions, startFolder);
+    application->setUp(&g_settings, startFolder);
     const int result = QApplication::exec();
     application->cleanUp();
     OrbImageLibrary::stop();

@@ -29,6 +29,8 @@ signals:
     void displayMessage(const QString &message);
 
 private:
+    void mirrorHardwareDecoding();
+
     QVariantList m_plugins;
     QString m_currentPlugin;
     OrbSettingsManager *m_settings;

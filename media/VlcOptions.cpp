@@ -8,6 +8,12 @@ const QString kDisableAudio = QStringLiteral("vlc/disableAudio");
 const QString kTextureTransfer = QStringLiteral("vlc/textureTransfer");
 } // namespace
 
+VlcOptions &VlcOptions::process()
+{
+    static VlcOptions options;
+    return options;
+}
+
 void VlcOptions::load(const OrbSettingsManager &settings)
 {
     hardwareDecoding = settings.boolValue(kHardwareDecoding, hardwareDecoding);

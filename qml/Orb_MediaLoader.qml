@@ -102,7 +102,9 @@ Item {
         orbTextureProvider.setShaderEffectSource(mediaPlayer.shaderEffectSource)
         if (typeof mediaPlayer.textureId !== "undefined")
             orbTextureProvider.textureId = mediaPlayer.textureId
-        orbShaderCodeBuilder.invertedColors = false
+        orbShaderCodeBuilder.invertedColors = mediaPlayer === videoPlayer
+                && (orbVideoPlugin.currentPlugin === "vlc"
+                    || orbVideoPlugin.currentPlugin === "vlc_hw")
     }
 
     Component.onCompleted: {
@@ -118,6 +120,7 @@ Item {
         roll: orbGlobalObject.roll
 
         onTextureIdChanged: orbTextureProvider.textureId = textureId
+        onFrameArrived: orbTextureProvider.frameArrived()
         onShaderEffectSourceChanged:
             orbTextureProvider.setShaderEffectSource(videoPlayer.shaderEffectSource)
         onLogMessageChanged: orbGlobalObject.videoLogMessage = logMessage

@@ -1,0 +1,8 @@
+#include "VLCTextureWorkerThread.h"
+
+#include "FrameUpload.h"
+
+void VLCTextureWorkerThread::run()
+{
+    m_upload->upload();
+}
