@@ -31,8 +31,23 @@ int OrbTextureProvider::textureId() const
 
 void OrbTextureProvider::setTextureId(int id)
 {
-    if (m_textureId.exchange(id) != id)
-        emit textureIdChanged();
+    if (m_textureId.exchange(id) == id)
+        return;
+    m_framesAnnounced = false;
+    emit textureIdChanged();
+}
+
+void OrbTextureProvider::frameArrived()
+{
+    ++m_contents;
+    m_framesAnnounced = true;
+}
+
+std::optional<int> OrbTextureProvider::contents() const
+{
+    if (m_liveFeed || !(m_provider || m_framesAnnounced))
+        return std::nullopt;
+    return m_contents;
 }
 
 void OrbTextureProvider::setShaderEffectSource(QQuickItem *quickItem)
@@ -52,10 +67,22 @@ void OrbTextureProvider::onBeforeSynchronizing()
 {
     if (!m_context)
         m_context = QOpenGLContext::currentContext();
-    m_provider = m_sourceItem && m_sourceItem->isTextureProvider() ? m_sourceItem->textureProvider()
-                                                                   : nullptr;
+    takeProvider(m_sourceItem && m_sourceItem->isTextureProvider() ? m_sourceItem->textureProvider()
+                                                                   : nullptr);
     disconnect(m_view, &QQuickWindow::beforeSynchronizing, this,
                &OrbTextureProvider::onBeforeSynchronizing);
+}
+
+void OrbTextureProvider::takeProvider(QSGTextureProvider *provider)
+{
+    if (m_provider)
+        m_provider->disconnect(this);
+    m_provider = provider;
+    if (provider)
+        connect(
+            provider, &QSGTextureProvider::textureChanged, this, [this] { ++m_contents; },
+            Qt::DirectConnection);
+    ++m_contents;
 }
 
 void OrbTextureProvider::onQsgTextureChanged()

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 class OrbSettingsManager;
 class QQuickWindow;
@@ -42,6 +43,13 @@ public:
     /// True when the live feed is the source.
     Q_INVOKABLE bool isSharedMemory() const { return m_liveFeed != nullptr; }
 
+    /// A player has put a new frame into the texture that it named. Says that it will for each.
+    Q_INVOKABLE void frameArrived();
+
+    /// A number that changes with what the texture shows; none where a change cannot be seen, since
+    /// others fill the texture without a word. Render thread.
+    std::optional<int> contents() const;
+
     /// The render thread's context, null before the first synchronisation.
     QOpenGLContext *context() const { return m_context; }
 
@@ -55,7 +63,11 @@ public slots:
 private:
     void listenForSynchronisation();
 
+    void takeProvider(QSGTextureProvider *provider);
+
     std::atomic<int> m_textureId{0};
+    std::atomic<int> m_contents{0};
+    std::atomic<bool> m_framesAnnounced{false}; ///< by the player that named the texture
     QPointer<QQuickItem> m_sourceItem;
     QQuickWindow *m_view;
     QPointer<QOpenGLContext> m_context;

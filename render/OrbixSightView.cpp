@@ -49,12 +49,34 @@ void OrbixSightView::init(OrbShaderCodeBuilder *builder, OrbGlobalObject *state,
           &Builder::stereoModeChanged, &Builder::projectionSourceChanged,
           &Builder::rotationSourceChanged, &Builder::invertedColorsChanged})
         connect(builder, changed, this, &OrbixSightView::dirtyShader);
+    setOpaquePainting(true); // from now on it covers its ground
     m_initialised = true;
 }
 
 void OrbixSightView::dirtyShader()
 {
     m_shaderDirty = true;
+}
+
+QSGNode *OrbixSightView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data)
+{
+    if (oldNode && m_initialised && !m_shaderDirty && m_painted) {
+        const std::optional<Picture> picture = currentPicture();
+        if (picture && *picture == *m_painted) {
+            computeFps();
+            return oldNode;
+        }
+    }
+    return QQuickPaintedItem::updatePaintNode(oldNode, data);
+}
+
+std::optional<OrbixSightView::Picture> OrbixSightView::currentPicture() const
+{
+    const std::optional<int> contents = m_textureProvider->contents();
+    if (!contents || !window())
+        return std::nullopt;
+    return Picture{currentView(), size() * window()->effectiveDevicePixelRatio(),
+                   m_textureProvider->textureId(), *contents};
 }
 
 void OrbixSightView::paint(QPainter *painter)
@@ -68,8 +90,11 @@ void OrbixSightView::paint(QPainter *painter)
             m_program = PanoramaProgram::create(m_builder->build(false));
         }
         computeViewportParameters({painter->device()->width(), painter->device()->height()});
+        // Taken before it is drawn: what changes meanwhile is drawn anew.
+        m_painted = currentPicture();
         if (m_program)
-            m_program->draw(currentView(), static_cast<GLuint>(m_textureProvider->textureId()));
+            m_program->draw(m_painted ? m_painted->view : currentView(),
+                            static_cast<GLuint>(m_textureProvider->textureId()));
     }
     painter->endNativePainting();
     computeFps();
@@ -119,6 +144,7 @@ void OrbixSightView::itemChange(ItemChange change, const ItemChangeData &data)
             data.window, &QQuickWindow::sceneGraphInvalidated, this,
             [this] {
                 m_program.reset();
+                m_painted.reset();
                 m_shaderDirty = true;
             },
             Qt::DirectConnection);

@@ -11,12 +11,15 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 /// The panorama in the window: one quad drawn with the generated shader, from whatever texture the
-/// provider names, a hundred times a second at most.
+/// provider names, a hundred times a second at most. A picture that would come out the same is not
+/// painted again, though it counts.
 ///
-/// Threads: the item lives on the main thread; `paint` runs on the render thread, owns the program,
-/// the viewport and the frame counter, and reads the view state and the builder without a lock. The
+/// Threads: the item lives on the main thread; `updatePaintNode` and `paint` run on the render
+/// thread, own the program, the viewport, the frame counter and the picture that was painted, and
+/// read the view state and the builder, the latter without a lock. The
 /// program is deleted on the render thread, when the window drops its OpenGL resources or the item
 /// leaves it.
 class OrbixSightView : public QQuickPaintedItem
@@ -45,10 +48,29 @@ public slots:
     void dirtyShader();
 
 protected:
+    QSGNode *updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data) override;
     void itemChange(ItemChange change, const ItemChangeData &data) override;
     void releaseResources() override;
 
 private:
+    /// All that a painted picture depends on, beside the program.
+    struct Picture
+    {
+        PanoramaView view;
+        QSizeF itemPixels;
+        int texture = 0;
+        int contents = 0;
+
+        bool operator==(const Picture &other) const
+        {
+            return view == other.view && itemPixels == other.itemPixels && texture == other.texture
+                && contents == other.contents;
+        }
+    };
+
+    /// The picture as it would be painted now; none if it may change unseen. Render thread.
+    std::optional<Picture> currentPicture() const;
+
     void computeViewportParameters(const QSize &targetPixels);
     void computeFps();
     PanoramaView currentView() const;
@@ -62,5 +84,6 @@ private:
     int m_fps = 0;
     FrameCounter m_frames;
     Viewport m_viewport;
+    std::optional<Picture> m_painted; ///< what stands in the item; none: paint in any case
     QTimer m_repaintTimer;
 };

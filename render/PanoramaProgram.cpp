@@ -19,6 +19,14 @@ constexpr GLfloat kQuad[] = {0, 0, 0, 1, 1, 1, 1, 0};
 
 } // namespace
 
+bool PanoramaView::operator==(const PanoramaView &other) const
+{
+    return matViewInverse == other.matViewInverse && viewport == other.viewport
+        && fovDeg == other.fovDeg && yawMin == other.yawMin && yawMax == other.yawMax
+        && pitchMin == other.pitchMin && pitchMax == other.pitchMax && cameraYaw == other.cameraYaw
+        && cameraPitch == other.cameraPitch;
+}
+
 std::unique_ptr<PanoramaProgram> PanoramaProgram::create(const QString &fragmentShader)
 {
     std::unique_ptr<PanoramaProgram> made(new PanoramaProgram);

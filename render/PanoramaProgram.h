@@ -19,6 +19,8 @@ struct PanoramaView
     float pitchMax = 0;
     float cameraYaw = 0; ///< radians
     float cameraPitch = 0;
+
+    bool operator==(const PanoramaView &other) const;
 };
 
 /// The linked program that draws the panorama over the whole target. Belongs to the OpenGL context,

@@ -12,4 +12,10 @@ struct Viewport
     float width = 0;
 
     static Viewport ofTarget(const QSizeF &pixels);
+
+    bool operator==(const Viewport &other) const
+    {
+        return size == other.size && sizeMin == other.sizeMin && sizeRatio == other.sizeRatio
+            && width == other.width;
+    }
 };

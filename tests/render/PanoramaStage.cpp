@@ -56,8 +56,11 @@ bool PanoramaStage::show()
 
 QImage PanoramaStage::picture()
 {
-    if (!view.waitForPaint())
-        return {};
+    return view.waitForPaint() ? grab() : QImage();
+}
+
+QImage PanoramaStage::grab()
+{
     return window.grabWindow().convertToFormat(QImage::Format_RGB888);
 }
 

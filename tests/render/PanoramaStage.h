@@ -31,6 +31,9 @@ public:
     /// What the window shows once a paint is done that began after this call; null if none came.
     QImage picture();
 
+    /// The same without waiting for a paint.
+    QImage grab();
+
     bool rendersOnItsOwnThread() const { return m_ownThread; }
     bool rendersWithOpenGlEs() const { return m_openGlEs; }
 

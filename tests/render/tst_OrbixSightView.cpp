@@ -68,6 +68,9 @@ private slots:
     void aResizedItemIsDrawnForItsNewSize();
     void drawsAgainAfterTheWindowDroppedItsOpenGl();
     void leavesAWindowThatGoesOn();
+    void aStandingPictureIsPaintedOnceAndCountsOn();
+    void whatThePictureDependsOnPaintsItAnew_data();
+    void whatThePictureDependsOnPaintsItAnew();
 };
 
 void tst_OrbixSightView::aPaintBeforeTheLinkDrawsNothingAndDoesNotCount()
@@ -205,6 +208,65 @@ void tst_OrbixSightView::leavesAWindowThatGoesOn()
     QVERIFY(isAll(stage.window.grabWindow(), stage.window.color()));
     stage.view.setParentItem(stage.window.contentItem());
     QVERIFY(!isAll(stage.picture(), stage.window.color()));
+}
+
+void tst_OrbixSightView::aStandingPictureIsPaintedOnceAndCountsOn()
+{
+    PanoramaStage stage(kSize);
+    QVERIFY(stage.start());
+    const QImage before = stage.picture();
+    const int unseen = stage.view.paintsDone();
+    QTRY_VERIFY(stage.view.paintsDone() > unseen + 3); // others may fill the texture
+
+    stage.textureProvider.frameArrived();
+    QVERIFY(stage.view.waitForPaint());
+    constexpr int kTicks = 50;
+    QSignalSpy counted(&stage.view, &OrbixSightView::fpsChanged);
+    QVERIFY(QTest::qWaitFor([&] { return counted.count() >= 2; }));
+    const int standing = stage.view.paintsDone();
+    QVERIFY(QTest::qWaitFor([&] { return counted.count() >= 4; }));
+    QCOMPARE(stage.view.paintsDone(), standing);
+    QVERIFY(stage.view.fps() > kTicks);
+    QCOMPARE(stage.grab(), before);
+}
+
+void tst_OrbixSightView::whatThePictureDependsOnPaintsItAnew_data()
+{
+    QTest::addColumn<QByteArray>("what");
+    for (const char *what : {"yaw", "field of view", "edges", "size", "program", "contents"})
+        QTest::newRow(what) << QByteArray(what);
+}
+
+void tst_OrbixSightView::whatThePictureDependsOnPaintsItAnew()
+{
+    QFETCH(QByteArray, what);
+    const auto change = [&what](PanoramaStage &stage) {
+        if (what == "yaw")
+            stage.state.setYaw(1);
+        else if (what == "field of view")
+            stage.state.setFov(60);
+        else if (what == "edges")
+            stage.state.setYawMax(1);
+        else if (what == "size")
+            stage.view.setSize(stage.view.size() / 2);
+        else if (what == "program")
+            stage.builder.setEffect(OrbShaderCodeBuilder::INVERT);
+        else
+            stage.textureProvider.frameArrived();
+    };
+    PanoramaStage always(kSize); // nobody announces its contents
+    QVERIFY(always.start());
+    if (what != "contents")
+        change(always);
+
+    PanoramaStage stage(kSize);
+    QVERIFY(stage.start());
+    stage.textureProvider.frameArrived();
+    QVERIFY(stage.view.waitForPaint());
+    const int before = stage.view.paintsDone();
+    change(stage);
+    QTRY_VERIFY(stage.view.paintsDone() > before);
+    QCOMPARE(stage.grab(), always.picture());
 }
 
 QTEST_MAIN(tst_OrbixSightView)
