@@ -30,6 +30,7 @@ OrbixSightView::OrbixSightView(QQuickItem *parent)
     : QQuickPaintedItem(parent)
 {
     setMipmap(false);
+    setSmooth(false); // its pixels are those of the window
     setRenderTarget(QQuickPaintedItem::InvertedYFramebufferObject);
     connect(&m_repaintTimer, &QTimer::timeout, this, [this] { update(); });
     m_repaintTimer.start(1000 / kRepaintsPerSecond);

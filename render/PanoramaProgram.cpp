@@ -15,6 +15,22 @@ constexpr char kVertexShader[] = "attribute highp vec4 vertex;\n"
                                  "   gl_Position = matrix * vertex;\n"
                                  "}";
 
+/// The inputs of the colour chain that never change in a window. As constants they let the driver
+/// leave out most of the chain, which is a third of the work of a pixel without a graphics
+/// processor.
+constexpr const char *kNeutralInputs[] = {"uBrightness",       "uContrast",        "uHue",
+                                          "uSaturation",       "uVibrance",        "uTime",
+                                          "uVignettingRadius", "uVignettingAmount"};
+
+QString withNeutralInputs(QString shader)
+{
+    for (const char *input : kNeutralInputs)
+        shader.replace(QStringLiteral("uniform float %1;").arg(QLatin1String(input)),
+                       QStringLiteral("const float %1 = 0.0;").arg(QLatin1String(input)));
+    return shader.replace(QStringLiteral("uniform mat4 uColorMatrix;"),
+                          QStringLiteral("const mat4 uColorMatrix = mat4(1.0);"));
+}
+
 constexpr GLfloat kQuad[] = {0, 0, 0, 1, 1, 1, 1, 0};
 
 } // namespace
@@ -32,7 +48,8 @@ std::unique_ptr<PanoramaProgram> PanoramaProgram::create(const QString &fragment
     std::unique_ptr<PanoramaProgram> made(new PanoramaProgram);
     QOpenGLShaderProgram &program = made->m_program;
     if (!program.addShaderFromSourceCode(QOpenGLShader::Vertex, kVertexShader)
-        || !program.addShaderFromSourceCode(QOpenGLShader::Fragment, fragmentShader)
+        || !program.addShaderFromSourceCode(QOpenGLShader::Fragment,
+                                            withNeutralInputs(fragmentShader))
         || !program.link()) {
         qCWarning(lcRender, "The panorama's shader cannot be built: %s",
                   qUtf8Printable(program.log()));
@@ -60,17 +77,12 @@ void PanoramaProgram::findLocations()
     m_cameraYaw = m_program.uniformLocation("uCameraYaw");
     m_cameraPitch = m_program.uniformLocation("uCameraPitch");
 
-    // What never changes in a window: a quad over the whole target, texture unit 0, and a colour
-    // chain that passes the colour through (uniforms start at 0).
+    // What never changes in a window: a quad over the whole target, and texture unit 0.
     QMatrix4x4 unitSquare;
     unitSquare.ortho(0, 1, 0, 1, -1, 1);
     m_program.bind();
     m_program.setUniformValue(m_matrix, unitSquare);
     m_program.setUniformValue(m_sampler, 0);
-    m_program.setUniformValue("uColorMatrix", QMatrix4x4());
-    for (const char *neutral : {"uBrightness", "uContrast", "uHue", "uSaturation", "uVibrance",
-                                "uTime", "uVignettingRadius", "uVignettingAmount"})
-        m_program.setUniformValue(neutral, 0.0F);
     m_program.release();
 }
 
