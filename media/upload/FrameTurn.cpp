@@ -39,6 +39,7 @@ bool FrameTurn::endUpload()
 {
     const std::lock_guard lock(m_mutex);
     m_uploading = false;
+    m_uploadAsked = m_frameWaiting;
     return m_frameWaiting;
 }
 
