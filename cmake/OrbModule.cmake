@@ -77,6 +77,6 @@ function(orb_add_test name)
         add_test(NAME ${test} COMMAND ${name})
         set_tests_properties(${test} PROPERTIES
             LABELS ${ARG_LABEL}
-            ENVIRONMENT "HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_CACHE_HOME=${home}/cache;LC_ALL=C.UTF-8;QT_LOGGING_RULES=;${environment}")
+            ENVIRONMENT "HOME=${home};XDG_CONFIG_HOME=${home}/config;XDG_DATA_HOME=${home}/data;XDG_CACHE_HOME=${home}/cache;LC_ALL=C.UTF-8;ALSA_CONFIG_PATH=${PROJECT_SOURCE_DIR}/tests/data/silent-alsa.conf;QT_LOGGING_RULES=;${environment}")
     endforeach()
 endfunction()

@@ -1,7 +1,12 @@
 #include "OrbVideoPlugin.h"
 
+#include "BackendTable.h"
 #include "OrbSettingsManager.h"
+#include "VlcInstance.h"
+#include "VlcOptions.h"
 #include "WarningsFail.h"
+
+#include <vlc/vlc.h>
 
 #include <QtTest>
 
@@ -19,10 +24,17 @@ class tst_OrbVideoPlugin : public WarningsFail
 
 private slots:
     void init();
+    void theBackendsOfThisPlatformAreOffered();
+    void eachPlatformHasItsBackends_data();
+    void eachPlatformHasItsBackends();
     void theStoredChoiceIsCurrent_data();
     void theStoredChoiceIsCurrent();
     void aChoiceIsWrittenAtOnceAndAsksForARestart();
     void theCurrentRowChangesNothing();
+    void hardwareDecodingFollowsTheChoice_data();
+    void hardwareDecodingFollowsTheChoice();
+    void libVlcIsStartedByTheOptions_data();
+    void libVlcIsStartedByTheOptions();
 
 private:
     OrbSettingsManager m_settings{kOrganisation, kApplication};
@@ -32,6 +44,49 @@ void tst_OrbVideoPlugin::init()
 {
     WarningsFail::init();
     QSettings(QSettings::UserScope, kOrganisation, kApplication).clear();
+}
+
+void tst_OrbVideoPlugin::theBackendsOfThisPlatformAreOffered()
+{
+    const OrbVideoPlugin plugin(&m_settings);
+    QCOMPARE(plugin.currentPlugin(), QStringLiteral("vlc"));
+    const QVariantList expected{
+        QStringList{QStringLiteral("vlc"), QStringLiteral("VLC"),
+                    QStringLiteral("With VLC backend you should play any video, current version is "
+                                   " '%1'")
+                        .arg(QLatin1String(libvlc_get_version()))},
+        QStringList{QStringLiteral("vlc_hw"), QStringLiteral("VLC with VA-API"),
+                    QStringLiteral("Use VLC backend with hardware decoding VA-API. It's not "
+                                   "guaranteed to work everywhere.")},
+        QStringList{QStringLiteral("gst"), QStringLiteral("GStreamer"),
+                    QStringLiteral("This is the Linux native backend.")}};
+    QCOMPARE(plugin.pluginsList(), expected);
+}
+
+void tst_OrbVideoPlugin::eachPlatformHasItsBackends_data()
+{
+    QTest::addColumn<int>("platform");
+    QTest::addColumn<QString>("backends");
+    QTest::addColumn<QString>("first");
+    QTest::newRow("Linux") << int(BackendPlatform::Linux) << QStringLiteral("vlc,vlc_hw/vaapi,gst")
+                           << QStringLiteral("vlc");
+    QTest::newRow("Windows") << int(BackendPlatform::Windows)
+                             << QStringLiteral("vlc,vlc_hw/dxva2,wmf+,ds+")
+                             << QStringLiteral("wmf");
+}
+
+void tst_OrbVideoPlugin::eachPlatformHasItsBackends()
+{
+    QFETCH(int, platform);
+    QStringList backends;
+    for (const Backend &backend : backendsOf(BackendPlatform(platform))) {
+        const QString decoder = QLatin1String(backend.decoder);
+        backends += QLatin1String(backend.id)
+            + (decoder.isEmpty() ? QString() : QLatin1Char('/') + decoder)
+            + (backend.ownServiceFolder ? QStringLiteral("+") : QString());
+    }
+    QTEST(backends.join(QLatin1Char(',')), "backends");
+    QTEST(defaultBackend(BackendPlatform(platform)), "first");
 }
 
 void tst_OrbVideoPlugin::theStoredChoiceIsCurrent_data()
@@ -59,14 +114,14 @@ void tst_OrbVideoPlugin::aChoiceIsWrittenAtOnceAndAsksForARestart()
     });
     connect(&plugin, &OrbVideoPlugin::displayMessage, &plugin,
             [&](const QString &message) { events += message; });
-    QVERIFY(plugin.setProperty("currentPlugin", QStringLiteral("vlc")));
-    const QStringList expected{QStringLiteral("changed to vlc"), QStringLiteral("stored vlc"),
+    QVERIFY(plugin.setProperty("currentPlugin", QStringLiteral("gst")));
+    const QStringList expected{QStringLiteral("changed to gst"), QStringLiteral("stored gst"),
                                QStringLiteral(
                                    "You must restart to apply modifications on video plugin.")};
     QCOMPARE(events, expected);
 
     const OrbVideoPlugin next(&m_settings);
-    QCOMPARE(next.currentPlugin(), QStringLiteral("vlc"));
+    QCOMPARE(next.currentPlugin(), QStringLiteral("gst"));
 }
 
 void tst_OrbVideoPlugin::theCurrentRowChangesNothing()
@@ -77,6 +132,74 @@ void tst_OrbVideoPlugin::theCurrentRowChangesNothing()
     plugin.setCurrentPlugin(plugin.currentPlugin());
     QCOMPARE(changed.count() + message.count(), 0);
     QVERIFY(!m_settings.contains(kKey));
+}
+
+void tst_OrbVideoPlugin::hardwareDecodingFollowsTheChoice_data()
+{
+    QTest::addColumn<QString>("start");
+    QTest::addColumn<bool>("stored");
+    QTest::addColumn<bool>("atStart");
+    QTest::addColumn<QString>("choice");
+    QTest::addColumn<bool>("atExit");
+    const QString soft = QStringLiteral("vlc");
+    const QString hard = QStringLiteral("vlc_hw");
+    QTest::newRow("switched on") << soft << false << false << hard << true;
+    QTest::newRow("switched off") << hard << true << true << soft << false;
+    QTest::newRow("left on") << hard << false << true << hard << true;
+    QTest::newRow("a stale mirror") << soft << true << false << soft << false;
+    QTest::newRow("another engine")
+        << QStringLiteral("gst") << true << false << QStringLiteral("gst") << false;
+}
+
+void tst_OrbVideoPlugin::hardwareDecodingFollowsTheChoice()
+{
+    QFETCH(QString, start);
+    QFETCH(bool, stored);
+    QFETCH(QString, choice);
+    VlcOptions &options = VlcOptions::process();
+    const QString mirror = QStringLiteral("vlc/hardwareDecoding");
+    m_settings.write(kKey, start);
+    m_settings.write(mirror, stored);
+    options.load(m_settings);
+    OrbVideoPlugin plugin(&m_settings);
+    QTEST(options.hardwareDecoding, "atStart");
+    plugin.setCurrentPlugin(choice);
+    options.save(m_settings);
+    QTEST(m_settings.boolValue(mirror, !stored), "atExit");
+    QCOMPARE(m_settings.string(kKey, QString()), choice);
+}
+
+void tst_OrbVideoPlugin::libVlcIsStartedByTheOptions_data()
+{
+    QTest::addColumn<bool>("hardware");
+    QTest::addColumn<bool>("silent");
+    QTest::addColumn<QByteArray>("more");
+    QTest::newRow("plain") << false << false << QByteArray();
+    QTest::newRow("hardware") << true << false << QByteArray(" --avcodec-hw=vaapi");
+    QTest::newRow("silent") << false << true << QByteArray(" --noaudio");
+    QTest::newRow("both") << true << true << QByteArray(" --avcodec-hw=vaapi --noaudio");
+}
+
+void tst_OrbVideoPlugin::libVlcIsStartedByTheOptions()
+{
+    QFETCH(bool, hardware);
+    QFETCH(bool, silent);
+    QFETCH(QByteArray, more);
+    VlcOptions options;
+    options.hardwareDecoding = hardware;
+    options.disableAudio = silent;
+    QByteArrayList arguments;
+    for (const QByteArray &argument : vlcArguments(options))
+        arguments += argument;
+    QCOMPARE(arguments.join(' '),
+             QByteArray("--verbose=2 --quiet --intf dummy --ignore-config") + more);
+    // libVLC refuses what it does not know.
+    std::vector<const char *> texts;
+    for (const QByteArray &argument : qAsConst(arguments))
+        texts.push_back(argument.constData());
+    libvlc_instance_t *instance = libvlc_new(int(texts.size()), texts.data());
+    QVERIFY(instance);
+    libvlc_release(instance);
 }
 
 QTEST_GUILESS_MAIN(tst_OrbVideoPlugin)

@@ -5,7 +5,6 @@
 #include "OrbSettingsManager.h"
 #include "OrbTools.h"
 #include "Product.h"
-#include "VlcOptions.h"
 
 #include <QFile>
 #include <QMessageBox>
@@ -73,7 +72,9 @@ int SceneFixture::run(int argc, char **argv, const QStringList &arguments,
                                                       Product::softwareName());
     for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
         m_settings->write(setting.key(), setting.value());
-    m_vlcOptions = std::make_unique<VlcOptions>();
+    const QString backend = qEnvironmentVariable("TEST_BACKEND");
+    if (!backend.isEmpty())
+        m_settings->write(QStringLiteral("application/videoPlugin"), backend);
 
     QVector<QByteArray> words{QByteArray(argv[0])};
     for (const QString &argument : arguments)
@@ -116,7 +117,7 @@ OrbShaderCodeBuilder *SceneFixture::picture() const
 void SceneFixture::initTestCase()
 {
     WarningsFail::init();
-    m_application->setUp(m_settings.get(), m_vlcOptions.get(), media.folder());
+    m_application->setUp(m_settings.get(), media.folder());
     window()->requestActivate();
     QVERIFY(QTest::qWaitForWindowExposed(window()));
     QVERIFY(QTest::qWaitForWindowActive(window()));

@@ -19,7 +19,6 @@
 class Application;
 class OrbSettingsManager;
 class QMessageBox;
-struct VlcOptions;
 
 /// The whole program with its real window, once a process, steered by events as a window system
 /// gives them. Base of test classes: the program is up from the first test function to the last,
@@ -111,6 +110,5 @@ private:
 
     QTemporaryDir m_configuration;
     std::unique_ptr<OrbSettingsManager> m_settings;
-    std::unique_ptr<VlcOptions> m_vlcOptions;
     std::unique_ptr<Application> m_application;
 };

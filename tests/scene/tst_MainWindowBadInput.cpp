@@ -105,20 +105,27 @@ void tst_MainWindowBadInput::aBrokenPictureShowsItsErrorInTheScene()
 
 void tst_MainWindowBadInput::aBrokenFilmShowsItsErrorInTheScene_data()
 {
-    QTest::addColumn<QString>("error");
-    QTest::newRow("missing.mp4") << QStringLiteral("Resource not found");
-    QTest::newRow("empty.mp4") << QStringLiteral("no data");
-    QTest::newRow("half.mp4") << QStringLiteral("no playable streams");
-    QTest::newRow("text.mp4") << QStringLiteral("type of stream");
-    QTest::newRow("folder.mp4") << QStringLiteral("is a directory");
+    QTest::addColumn<QString>("vlc");
+    QTest::addColumn<QString>("gst");
+    const QString unplayable = QStringLiteral("Cannot play the media");
+    const QString noVideo = QStringLiteral("There is no video");
+    QTest::newRow("missing.mp4") << unplayable << QStringLiteral("Resource not found");
+    QTest::newRow("empty.mp4") << unplayable << QStringLiteral("no data");
+    QTest::newRow("half.mp4") << noVideo << QStringLiteral("no playable streams");
+    QTest::newRow("text.mp4") << noVideo << QStringLiteral("type of stream");
+    QTest::newRow("folder.mp4") << noVideo << QStringLiteral("is a directory");
 }
 
 void tst_MainWindowBadInput::aBrokenFilmShowsItsErrorInTheScene()
 {
     const QString path = broken(QString::fromLatin1(QTest::currentDataTag()));
-    expectWarning(QStringLiteral("^Error: "));
+    const bool onGst = qgetenv("TEST_BACKEND") == "gst";
+    if (onGst)
+        expectWarning(QStringLiteral("^Error: "));
     QVERIFY(dropFiles({path}));
-    QFETCH(QString, error);
+    QFETCH(QString, vlc);
+    QFETCH(QString, gst);
+    const QString error = onGst ? gst : vlc;
     QTRY_VERIFY(item([&error](QQuickItem *candidate) {
         return candidate->property("text").toString().contains(error);
     }));

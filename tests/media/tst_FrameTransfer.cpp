@@ -1,0 +1,319 @@
+#include "FrameTransfer.h"
+
+#include "FrameTurn.h"
+#include "VlcStream.h"
+#include "WarningsFail.h"
+
+#include <QtTest>
+
+#include <numeric>
+#include <vector>
+
+namespace {
+
+/// A driver that writes down what it is told; texture names start at 11, buffers at 21.
+struct Driver
+{
+    QStringList calls;
+    std::vector<char> memory; ///< what is mapped next
+    bool mapsNothing = false;
+
+    void call(const char *format, ...) Q_ATTRIBUTE_FORMAT_PRINTF(2, 3)
+    {
+        va_list arguments;
+        va_start(arguments, format);
+        calls += QString::vasprintf(format, arguments);
+        va_end(arguments);
+    }
+
+    void *map() { return mapsNothing ? nullptr : memory.data(); }
+
+    /// The calls since the last question.
+    QString told()
+    {
+        const QString text = calls.join(QLatin1String("; "));
+        calls.clear();
+        return text;
+    }
+};
+
+Driver driver;
+
+GlEntryPoints recorder()
+{
+    GlEntryPoints gl{};
+    gl.genTextures = [](GLsizei n, GLuint *names) { std::iota(names, names + n, 11); };
+    gl.genBuffers = [](GLsizei n, GLuint *names) { std::iota(names, names + n, 21); };
+    gl.deleteTextures = [](GLsizei n, const GLuint *names) {
+        driver.call("delete %d textures from %u", n, names[0]);
+    };
+    gl.deleteBuffers = [](GLsizei n, const GLuint *names) {
+        driver.call("delete %d buffers from %u", n, names[0]);
+    };
+    gl.bindTexture = [](GLenum, GLuint name) { driver.call("texture %u", name); };
+    gl.texParameteri = [](GLenum, GLenum parameter, GLint value) {
+        driver.call("set %x %x", parameter, unsigned(value));
+    };
+    gl.texParameterf = [](GLenum, GLenum parameter, GLfloat value) {
+        driver.call("set %x %x", parameter, unsigned(value));
+    };
+    gl.texImage2D = [](GLenum, GLint, GLint internal, GLsizei w, GLsizei h, GLint, GLenum format,
+                       GLenum type, const void *pixels) {
+        driver.call("image %x %dx%d %x %x%s", unsigned(internal), w, h, format, type,
+                    pixels ? " filled" : "");
+    };
+    gl.texSubImage2D = [](GLenum, GLint, GLint x, GLint y, GLsizei w, GLsizei h, GLenum format,
+                          GLenum type, const void *pixels) {
+        driver.call("copy %d,%d %dx%d %x %x from %s", x, y, w, h, format, type,
+                    pixels ? "memory" : "buffer");
+        if (pixels)
+            driver.calls.last() += QString::number(*static_cast<const quint32 *>(pixels), 16);
+    };
+    gl.activeTexture = [](GLenum unit) { driver.call("unit %u", unit - GL_TEXTURE0); };
+    gl.bindBuffer = [](GLenum target, GLuint name) { driver.call("%x buffer %u", target, name); };
+    gl.bufferData = [](GLenum, qopengl_GLsizeiptr bytes, const void *data, GLenum usage) {
+        driver.call("new storage %d %x%s", int(bytes), usage, data ? " filled" : "");
+    };
+    gl.mapBuffer = [](GLenum, GLenum access) {
+        driver.call("map %x", access);
+        return driver.map();
+    };
+    gl.unmapBuffer = [](GLenum) -> GLboolean {
+        driver.call("unmap");
+        return 1;
+    };
+    gl.syncTexture = [](GLuint name) { driver.call("sync %u", name); };
+    gl.unmapTexture2D = [](GLuint name, GLint level) { driver.call("unmap %u,%d", name, level); };
+    gl.mapTexture2D = [](GLuint name, GLint level, GLbitfield access, GLint *, GLenum *) {
+        driver.call("map %u,%d %x", name, level, access);
+        return driver.map();
+    };
+    return gl;
+}
+
+/// GL_LINEAR for both filters, GL_CLAMP_TO_EDGE for both directions.
+const QString kParameters = QStringLiteral(
+    "set 2801 2601; set 2800 2601; set 2802 812f; set 2803 812f");
+
+} // namespace
+
+class tst_FrameTransfer : public WarningsFail
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void theModeIsTheBestThatIsAskedForAndThere_data();
+    void theModeIsTheBestThatIsAskedForAndThere();
+    void aMappedTextureIsWrittenAndShownInTurn();
+    void aPixelBufferIsFilledWhileTheOtherIsCopied();
+    void memoryIsFilledWhileTheOtherIsCopied();
+    void aDriverWithoutMemoryGivesNone_data();
+    void aDriverWithoutMemoryGivesNone();
+    void theDecoderNeverGetsTheBufferThatIsUploaded();
+    void theSizeIsThatOfThePictureWithoutPadding_data();
+    void theSizeIsThatOfThePictureWithoutPadding();
+};
+
+void tst_FrameTransfer::init()
+{
+    WarningsFail::init();
+    driver = {};
+    driver.memory.resize(4);
+}
+
+void tst_FrameTransfer::theModeIsTheBestThatIsAskedForAndThere_data()
+{
+    QTest::addColumn<int>("requested");
+    QTest::addColumn<QString>("withAll");
+    QTest::addColumn<QString>("withoutMapping");
+    QTest::addColumn<QString>("onOpenGlEs");
+    const QString map = QStringLiteral("Intel Map Texture");
+    const QString buffer = QStringLiteral("Pixel Buffer Object");
+    const QString cpu = QStringLiteral("CPU");
+    QTest::newRow("automatic") << 0 << map << buffer << cpu;
+    QTest::newRow("map texture") << 1 << map << buffer << cpu;
+    QTest::newRow("pixel buffer") << 2 << buffer << buffer << cpu;
+    QTest::newRow("main memory") << 3 << cpu << cpu << cpu;
+    QTest::newRow("a number of no mode") << 99 << buffer << buffer << cpu;
+}
+
+void tst_FrameTransfer::theModeIsTheBestThatIsAskedForAndThere()
+{
+    QFETCH(int, requested);
+    QTEST(transferModeText(chooseTransferMode(requested, true, true)), "withAll");
+    QTEST(transferModeText(chooseTransferMode(requested, false, true)), "withoutMapping");
+    QTEST(transferModeText(chooseTransferMode(requested, false, false)), "onOpenGlEs");
+    QVERIFY(transferModeText(TransferAuto).isEmpty());
+}
+
+void tst_FrameTransfer::aMappedTextureIsWrittenAndShownInTurn()
+{
+    const auto transfer = FrameTransfer::make(TransferIntelMapTexture, recorder());
+    transfer->create();
+    QVERIFY(transfer->decodesInContext());
+    transfer->allocate({6, 4});
+    const QString storage = QStringLiteral("set 83ff 1; image 8058 6x4 1908 1401; ") + kParameters;
+    QCOMPARE(driver.told(),
+             QStringLiteral("texture 11; %1; texture 12; %1; texture 0").arg(storage));
+
+    for (const int buffer : {1, 0}) {
+        QCOMPARE(transfer->beginFrame(buffer), driver.memory.data());
+        transfer->endFrame(buffer);
+        QCOMPARE(driver.told(), QStringLiteral("map %1,0 2; unmap %1,0").arg(11 + buffer));
+        QCOMPARE(transfer->upload(buffer), GLuint(11 + buffer));
+        QCOMPARE(driver.told(),
+                 QStringLiteral("unit 0; texture %1; sync %1; texture 0").arg(11 + buffer));
+    }
+    transfer->release();
+    QCOMPARE(driver.told(), QStringLiteral("delete 2 textures from 11"));
+}
+
+void tst_FrameTransfer::aPixelBufferIsFilledWhileTheOtherIsCopied()
+{
+    const auto transfer = FrameTransfer::make(TransferPixelBufferObject, recorder());
+    transfer->create();
+    QVERIFY(transfer->decodesInContext());
+    transfer->allocate({6, 4});
+    QCOMPARE(driver.told(),
+             QStringLiteral("texture 11; image 8058 6x4 1908 1401; "
+                            "88ec buffer 21; new storage 96 88e0; "
+                            "88ec buffer 22; new storage 96 88e0; 88ec buffer 0; ")
+                 + kParameters + QStringLiteral("; texture 0"));
+
+    for (const int buffer : {1, 0}) {
+        QCOMPARE(transfer->beginFrame(buffer), driver.memory.data());
+        transfer->endFrame(buffer);
+        QCOMPARE(driver.told(),
+                 QStringLiteral("88ec buffer %1; new storage 96 88e0; map 88b9; "
+                                "unmap; 88ec buffer 0")
+                     .arg(21 + buffer));
+        QCOMPARE(transfer->upload(buffer), 11U);
+        QCOMPARE(driver.told(),
+                 QStringLiteral("unit 0; texture 11; 88ec buffer %1; "
+                                "copy 0,0 6x4 1908 1401 from buffer; 88ec buffer 0; texture 0")
+                     .arg(21 + buffer));
+    }
+    transfer->release();
+    QCOMPARE(driver.told(), QStringLiteral("delete 1 textures from 11; delete 2 buffers from 21"));
+}
+
+void tst_FrameTransfer::memoryIsFilledWhileTheOtherIsCopied()
+{
+    const auto transfer = FrameTransfer::make(TransferCpu, recorder());
+    transfer->create();
+    QVERIFY(!transfer->decodesInContext());
+    transfer->allocate({6, 4});
+    QCOMPARE(driver.told(),
+             QStringLiteral("texture 11; image 1908 6x4 1908 1401; ") + kParameters
+                 + QStringLiteral("; texture 0"));
+
+    const QString copy = QStringLiteral(
+        "unit 0; texture 11; copy 0,0 6x4 1908 1401 from memory%1; texture 0");
+    const quint32 pixels[] = {0xff112233, 0xff445566};
+    for (const int buffer : {0, 1}) {
+        transfer->upload(buffer);
+        QCOMPARE(driver.told(), copy.arg(QStringLiteral("ff000000"))); // black, opaque
+        auto *frame = static_cast<quint32 *>(transfer->beginFrame(buffer));
+        frame[0] = pixels[buffer];
+        frame[23] = pixels[buffer]; // the last of the frame
+        transfer->endFrame(buffer);
+    }
+    QVERIFY(driver.told().isEmpty());
+    for (const int buffer : {0, 1}) {
+        QCOMPARE(transfer->upload(buffer), 11U);
+        QCOMPARE(driver.told(), copy.arg(pixels[buffer], 0, 16));
+    }
+    transfer->release();
+    QCOMPARE(driver.told(), QStringLiteral("delete 1 textures from 11"));
+}
+
+void tst_FrameTransfer::aDriverWithoutMemoryGivesNone_data()
+{
+    QTest::addColumn<int>("mode");
+    QTest::newRow("map texture") << int(TransferIntelMapTexture);
+    QTest::newRow("pixel buffer") << int(TransferPixelBufferObject);
+}
+
+void tst_FrameTransfer::aDriverWithoutMemoryGivesNone()
+{
+    QFETCH(int, mode);
+    const auto transfer = FrameTransfer::make(TransferMode(mode), recorder());
+    transfer->create();
+    transfer->allocate({6, 4});
+    driver.mapsNothing = true;
+    QVERIFY(!transfer->beginFrame(1));
+}
+
+/// Every order of the steps of the two threads, up to a length: no buffer is filled and uploaded at
+/// once, and when all is quiet the last frame has been uploaded.
+void tst_FrameTransfer::theDecoderNeverGetsTheBufferThatIsUploaded()
+{
+    constexpr unsigned kSteps = 16;
+    constexpr int kNone = -1;
+    for (unsigned order = 0; order < 1U << kSteps; ++order) {
+        FrameTurn turn;
+        int holds[2] = {0, 0}; // the number of the frame in each buffer
+        int frames = 0;
+        int shown = 0;
+        int filling = kNone;
+        int uploading = kNone;
+        bool asked = false;
+        const auto decode = [&] {
+            if (filling == kNone) {
+                filling = turn.beginFrame();
+                return filling != uploading;
+            }
+            holds[filling] = ++frames;
+            filling = kNone;
+            asked = turn.endFrame() || asked;
+            return true;
+        };
+        const auto upload = [&] {
+            if (uploading != kNone) {
+                shown = holds[uploading];
+                uploading = kNone;
+                asked = turn.endUpload() || asked;
+            } else if (asked) {
+                asked = false;
+                uploading = turn.beginUpload().value_or(kNone);
+                return uploading != kNone && uploading != filling;
+            }
+            return true;
+        };
+        for (unsigned step = 0; step < kSteps; ++step)
+            QVERIFY2((order >> step & 1U) ? decode() : upload(),
+                     qPrintable(QString::number(order)));
+        if (filling != kNone)
+            QVERIFY(decode());
+        while (uploading != kNone || asked)
+            QVERIFY(upload());
+        QCOMPARE(shown, frames);
+    }
+}
+
+void tst_FrameTransfer::theSizeIsThatOfThePictureWithoutPadding_data()
+{
+    QTest::addColumn<QSize>("offered");
+    QTest::addColumn<QSize>("told");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("blocks") << QSize(336, 194) << QSize(322, 182) << QSize(322, 182);
+    QTest::newRow("two lines") << QSize(3840, 1922) << QSize(3840, 1920) << QSize(3840, 1920);
+    QTest::newRow("a single pixel") << QSize(32, 34) << QSize(1, 1) << QSize(1, 1);
+    QTest::newRow("nothing to take off") << QSize(640, 320) << QSize(640, 320) << QSize(640, 320);
+    QTest::newRow("not known") << QSize(640, 320) << QSize(0, 0) << QSize(640, 320);
+    QTest::newRow("another, larger stream")
+        << QSize(640, 320) << QSize(1280, 640) << QSize(640, 320);
+    QTest::newRow("another, smaller stream")
+        << QSize(1280, 640) << QSize(640, 320) << QSize(1280, 640);
+}
+
+void tst_FrameTransfer::theSizeIsThatOfThePictureWithoutPadding()
+{
+    QFETCH(QSize, offered);
+    QFETCH(QSize, told);
+    QTEST(sizeWithoutPadding(offered, told), "size");
+}
+
+QTEST_GUILESS_MAIN(tst_FrameTransfer)
+#include "tst_FrameTransfer.moc"
