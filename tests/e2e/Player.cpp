@@ -16,6 +16,7 @@ namespace {
 constexpr int kAnswerMs = 10000;
 constexpr int kDeadlineMs = 30000;
 constexpr int kAskAgainMs = 50;
+constexpr char kLogVariable[] = "ORBIX_DRIVER_LOG"; ///< its value marks the processes of a run
 
 QByteArray content(const QString &path)
 {
@@ -46,7 +47,7 @@ Player::Player()
     setEnvironment(QStringLiteral("XDG_RUNTIME_DIR"), m_files.filePath(QStringLiteral("runtime")));
     setEnvironment(QStringLiteral("QT_PLUGIN_PATH"), QStringLiteral(DRIVER_PLUGINS));
     setEnvironment(QStringLiteral("QT_QPA_GENERIC_PLUGINS"), QStringLiteral("orbixdriver"));
-    setEnvironment(QStringLiteral("ORBIX_DRIVER_LOG"),
+    setEnvironment(QString::fromLatin1(kLogVariable),
                    m_files.filePath(QStringLiteral("driver.log")));
     m_process.setStandardErrorFile(m_files.filePath(QStringLiteral("errors.txt")));
 }
@@ -55,13 +56,8 @@ Player::~Player()
 {
     m_process.kill();
     m_process.waitForFinished();
-    const QVector<QJsonObject> starts = log(QStringLiteral("start"));
-    for (const QJsonObject &start : starts) {
-        const auto pid = static_cast<pid_t>(start.value(QLatin1String("pid")).toInt());
-        const QString running = QFile::symLinkTarget(QStringLiteral("/proc/%1/exe").arg(pid));
-        if (running == QStringLiteral(PLAYER))
-            kill(pid, SIGKILL);
-    }
+    for (const pid_t process : processes())
+        kill(process, SIGKILL);
 }
 
 void Player::start(const QStringList &arguments, const QString &folder)
@@ -121,6 +117,12 @@ bool Player::waitForState(const std::function<bool(const QJsonObject &)> &isWant
     return true;
 }
 
+void Player::open(const QString &text)
+{
+    m_process.write("open " + text.toUtf8() + '\n');
+    m_process.waitForBytesWritten();
+}
+
 void Player::exit(int code)
 {
     m_process.write("exit " + QByteArray::number(code) + '\n');
@@ -148,6 +150,18 @@ void Player::closeWindow()
 bool Player::waitForEnd()
 {
     return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(kDeadlineMs);
+}
+
+QVector<pid_t> Player::processes() const
+{
+    const QByteArray mark = kLogVariable + ('=' + m_files.path().toUtf8()) + '/';
+    QVector<pid_t> found;
+    const QStringList all = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoSymLinks);
+    for (const QString &process : all) {
+        if (content(QStringLiteral("/proc/%1/environ").arg(process)).contains(mark))
+            found.append(static_cast<pid_t>(process.toInt()));
+    }
+    return found;
 }
 
 QVector<QJsonObject> Player::log(const QString &event) const

@@ -6,6 +6,7 @@
 #include <QTemporaryDir>
 #include <QVector>
 
+#include <sys/types.h>
 #include <functional>
 
 /// One run of the real program with the driver in it and a configuration of its own. What is still
@@ -39,6 +40,9 @@ public:
     /// The state that was last told.
     QJsonObject lastState() const { return m_lastState; }
 
+    /// Opens a file or an address as the dialog for it does, once a window is shown.
+    void open(const QString &text);
+
     /// Ends the event loop with this code.
     void exit(int code);
 
@@ -47,8 +51,12 @@ public:
 
     /// Waits for the end; false if it does not come.
     bool waitForEnd();
+    bool isRunning() const { return m_process.state() == QProcess::Running; }
     bool crashed() const { return m_process.exitStatus() == QProcess::CrashExit; }
     int exitCode() const { return m_process.exitCode(); }
+
+    /// The processes of this run, those that the program has started too.
+    QVector<pid_t> processes() const;
 
     /// The entries of the driver's log of one kind, "start", "frame" or "end".
     QVector<QJsonObject> log(const QString &event) const;

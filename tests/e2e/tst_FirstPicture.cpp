@@ -110,28 +110,30 @@ private slots:
 
 void tst_FirstPicture::thePanoramaStandsOnTheScreen_data()
 {
-    QTest::addColumn<QString>("variable");
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<bool>("forceOpenGl");
-    QTest::addColumn<bool>("renderThread");
+    QTest::addColumn<QString>("renderLoop");
+    QTest::addColumn<QVariantMap>("settings");
+    QTest::addColumn<int>("scale"); // pixels a point
+    QTest::addColumn<bool>("openGlEs");
 
-    const QString renderLoop = QStringLiteral("QSG_RENDER_LOOP");
     const QString threaded = QStringLiteral("threaded");
     const QString basic = QStringLiteral("basic");
-    QTest::newRow("OpenGL ES, render thread") << renderLoop << threaded << false << true;
-    QTest::newRow("OpenGL ES, main thread") << renderLoop << basic << false << false;
-    QTest::newRow("desktop OpenGL, render thread") << renderLoop << threaded << true << true;
-    QTest::newRow("desktop OpenGL, main thread") << renderLoop << basic << true << false;
-    QTest::newRow("two pixels a point")
-        << QStringLiteral("QT_SCALE_FACTOR") << QStringLiteral("2") << false << true;
+    const QVariantMap none;
+    const QVariantMap gst{{QStringLiteral("application/videoPlugin"), QStringLiteral("gst")}};
+    QVariantMap forced = gst;
+    forced.insert(QStringLiteral("application/forceopengl"), true);
+    QTest::newRow("desktop OpenGL, render thread") << threaded << none << 1 << false;
+    QTest::newRow("desktop OpenGL by choice, main thread") << basic << forced << 1 << false;
+    QTest::newRow("OpenGL ES, render thread") << threaded << gst << 1 << true;
+    QTest::newRow("OpenGL ES, main thread") << basic << gst << 1 << true;
+    QTest::newRow("two pixels a point") << threaded << none << 2 << false;
 }
 
 void tst_FirstPicture::thePanoramaStandsOnTheScreen()
 {
-    QFETCH(QString, variable);
-    QFETCH(QString, value);
-    QFETCH(bool, forceOpenGl);
-    QFETCH(bool, renderThread);
+    QFETCH(QString, renderLoop);
+    QFETCH(QVariantMap, settings);
+    QFETCH(int, scale);
+    QFETCH(bool, openGlEs);
 
     const QVector<Point> points = expectedPoints(QGuiApplication::primaryScreen()->size());
     QVERIFY(points.size() > 200);
@@ -139,9 +141,10 @@ void tst_FirstPicture::thePanoramaStandsOnTheScreen()
     Player player;
     const QString picture = player.folder() + QStringLiteral("/panorama.png");
     QVERIFY(panorama().save(picture));
-    player.setEnvironment(variable, value);
-    if (forceOpenGl)
-        player.setSetting(QStringLiteral("application/forceopengl"), true);
+    player.setEnvironment(QStringLiteral("QSG_RENDER_LOOP"), renderLoop);
+    player.setEnvironment(QStringLiteral("QT_SCALE_FACTOR"), QString::number(scale));
+    for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
+        player.setSetting(setting.key(), setting.value());
     player.start({QStringLiteral("--demo"), picture});
 
     QString wrong;
@@ -149,8 +152,9 @@ void tst_FirstPicture::thePanoramaStandsOnTheScreen()
     if (!QTest::qWaitFor(isRight, kDeadlineMs))
         QFAIL(qPrintable(wrong));
     const QJsonObject state = player.state();
-    QCOMPARE(state.value(QLatin1String("openGlEs")).toBool(), !forceOpenGl);
-    QCOMPARE(state.value(QLatin1String("renderThread")).toBool(), renderThread);
+    QCOMPARE(state.value(QLatin1String("openGlEs")).toBool(), openGlEs);
+    QCOMPARE(state.value(QLatin1String("renderThread")).toBool(),
+             renderLoop == QLatin1String("threaded"));
 
     player.exit(0);
     QVERIFY(player.waitForEnd());

@@ -2,8 +2,14 @@
 #include "Player.h"
 #include "WarningsFail.h"
 
+#include <QGuiApplication>
+#include <QImage>
 #include <QJsonArray>
+#include <QPixmap>
+#include <QScreen>
 #include <QtTest>
+
+#include <algorithm>
 
 namespace {
 
@@ -23,14 +29,24 @@ QVariantMap defaultSettings()
     };
 }
 
+/// Whether a text that begins with `text` can be seen.
 bool shows(const QJsonObject &state, const QString &text)
 {
-    return state.value(QLatin1String("texts")).toArray().contains(text);
+    const QJsonArray texts = state.value(QLatin1String("texts")).toArray();
+    return std::any_of(texts.begin(), texts.end(), [&text](const QJsonValue &shown) {
+        return shown.toString().startsWith(text);
+    });
 }
 
 int frames(const QJsonObject &state)
 {
     return state.value(QLatin1String("frames")).toInt();
+}
+
+/// A colour of the screen where no message stands.
+QColor colourOnScreen()
+{
+    return QGuiApplication::primaryScreen()->grabWindow(0, 40, 40, 1, 1).toImage().pixelColor(0, 0);
 }
 
 QStringList linesWithout(const QStringList &lines, const QString &pattern)
@@ -50,6 +66,9 @@ class tst_ProgramCommandLine : public WarningsFail
 {
     Q_OBJECT
 
+private:
+    void thenTheNextPictureShows(Player &player);
+
 private slots:
     void aWrongOptionEndsTheProgramWithAMessage_data();
     void aWrongOptionEndsTheProgramWithAMessage();
@@ -58,6 +77,16 @@ private slots:
     void aHostileFileIsReportedAndTheProgramGoesOn_data();
     void aHostileFileIsReportedAndTheProgramGoesOn();
 };
+
+void tst_ProgramCommandLine::thenTheNextPictureShows(Player &player)
+{
+    const QString next = player.folder() + QStringLiteral("/red.png");
+    QImage red(64, 32, QImage::Format_RGB32);
+    red.fill(Qt::red);
+    QVERIFY(red.save(next));
+    player.open(next);
+    QTRY_COMPARE(colourOnScreen(), QColor(Qt::red));
+}
 
 void tst_ProgramCommandLine::aWrongOptionEndsTheProgramWithAMessage_data()
 {
@@ -109,11 +138,14 @@ void tst_ProgramCommandLine::theDemoFillsTheScreenWithoutAPopup()
     player.start(arguments);
     const QString about = QStringLiteral("Orbix Sight 1.4.0");
     QVERIFY(player.waitForState([&](const QJsonObject &state) {
-        return frames(state) > 10 && (demo || shows(state, about));
+        return frames(state) > 0 && (demo || shows(state, about));
     }));
     QVERIFY(shows(player.lastState(), QStringLiteral("Drop your file(s) here")));
-    QCOMPARE(shows(player.lastState(), about), !demo);
     QCOMPARE(player.lastState().value(QLatin1String("fullScreen")).toBool(), demo);
+    if (demo) { // A popup would come with a veil over the picture.
+        thenTheNextPictureShows(player);
+        QVERIFY(!shows(player.state(), about));
+    }
 
     player.closeWindow();
     QVERIFY(player.waitForEnd());
@@ -135,8 +167,6 @@ void tst_ProgramCommandLine::aHostileFileIsReportedAndTheProgramGoesOn_data()
     const QString noJson = QStringLiteral("Error : cannot parse json");
     const QString imageLog = QStringLiteral(".*QML Image: (Cannot open|Error decoding): file:.*|"
                                             "libpng error: .*|.* JPEG .*");
-    const QString videoLog = QStringLiteral(
-        "GStreamer; Unable to .*|Warning: \".*\"|Error: \".*\"");
     const QString empty;
     const QByteArray garbage = HostileFiles::garbage();
     const QByteArray jpeg = HostileFiles::jpeg();
@@ -146,16 +176,12 @@ void tst_ProgramCommandLine::aHostileFileIsReportedAndTheProgramGoesOn_data()
         QTest::newRow(row) << QString::fromLatin1(name) << content << report << log;
     };
     // Null contents stand for no file.
-    file("a missing picture", "none.jpg", QByteArray(), noImage, imageLog);
-    file("a missing video", "none.mp4", QByteArray(), QStringLiteral("Resource not found."),
-         videoLog);
+    file("a missing video", "none.mp4", QByteArray(),
+         QStringLiteral("Cannot play the media 'file://"), empty);
     file("a folder", ".", QByteArray(), noFormat, empty);
-    file("an unsupported file", "notes.txt", "text", noFormat, empty);
-    file("an empty picture", "empty.png", "", noImage, imageLog);
-    file("an empty video", "empty.mp4", "", QStringLiteral("Stream contains no data."), videoLog);
     file("a picture of garbage", "garbage.jpg", garbage, noImage, imageLog);
     file("a video of garbage", "garbage.mp4", garbage,
-         QStringLiteral("Could not determine type of stream."), videoLog);
+         QStringLiteral("There is no video in this media"), empty);
     file("a huge picture without data", "header.png", HostileFiles::pngOfSide(100000, {}), noImage,
          imageLog);
     file("a huge picture with few data", "huge.png",
@@ -191,10 +217,7 @@ void tst_ProgramCommandLine::aHostileFileIsReportedAndTheProgramGoesOn()
     }),
              qPrintable(QString::fromUtf8(QJsonDocument(player.lastState()).toJson())));
 
-    // It goes on drawing, and it can be left.
-    const int framesBefore = frames(player.lastState());
-    QVERIFY(player.waitForState(
-        [&](const QJsonObject &state) { return frames(state) > framesBefore + 5; }));
+    thenTheNextPictureShows(player);
     player.exit(0);
     QVERIFY(player.waitForEnd());
     QVERIFY(!player.crashed());
@@ -203,5 +226,5 @@ void tst_ProgramCommandLine::aHostileFileIsReportedAndTheProgramGoesOn()
     QCOMPARE(linesWithout(player.errorOutput(), logPattern), QStringList());
 }
 
-QTEST_GUILESS_MAIN(tst_ProgramCommandLine)
+QTEST_MAIN(tst_ProgramCommandLine)
 #include "tst_ProgramCommandLine.moc"

@@ -6,7 +6,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QOpenGLContext>
+#include <QQmlContext>
 #include <QQuickItem>
+#include <QQuickView>
 #include <QThread>
 #include <QWidget>
 
@@ -26,22 +28,31 @@ QByteArray line(const QJsonObject &object)
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
+struct Texts
+{
+    QJsonArray all;
+    QJsonArray red;
+};
+
 /// Adds the texts that can be seen in an item and its children.
-void collectTexts(const QQuickItem *item, QJsonArray &texts)
+void collectTexts(const QQuickItem *item, Texts &texts)
 {
     if (!item->isVisible() || item->opacity() <= 0)
         return;
     const QString text = item->property("text").toString();
-    if (!text.isEmpty())
-        texts.append(text);
+    if (!text.isEmpty()) {
+        texts.all.append(text);
+        if (item->property("color").value<QColor>() == QColor(Qt::red))
+            texts.red.append(text);
+    }
     const QList<QQuickItem *> children = item->childItems();
     for (const QQuickItem *child : children)
         collectTexts(child, texts);
 }
 
-QJsonArray shownTexts()
+Texts shownTexts()
 {
-    QJsonArray texts;
+    Texts texts;
     const QWindowList windows = QGuiApplication::topLevelWindows();
     for (const QWindow *window : windows) {
         const auto *scene = qobject_cast<const QQuickWindow *>(window);
@@ -52,7 +63,7 @@ QJsonArray shownTexts()
     for (const QWidget *widget : widgets) {
         const QString text = widget->property("text").toString();
         if (widget->isVisible() && !text.isEmpty())
-            texts.append(text);
+            texts.all.append(text);
     }
     return texts;
 }
@@ -129,6 +140,8 @@ void Driver::obey(const QByteArray &command)
 {
     if (command.startsWith("exit ")) {
         end(command.mid(5).toInt());
+    } else if (command.startsWith("open ")) {
+        open(QString::fromUtf8(command.mid(5)));
     } else if (command == "state") {
         const QByteArray answer = line(state());
         if (write(STDOUT_FILENO, answer.constData(), static_cast<size_t>(answer.size()))
@@ -139,6 +152,18 @@ void Driver::obey(const QByteArray &command)
     }
 }
 
+void Driver::open(const QString &text)
+{
+    const auto *view = qobject_cast<const QQuickView *>(m_window);
+    if (!view)
+        qFatal("The driver cannot open anything before the window is shown");
+    auto *opener =
+        view->rootContext()->contextProperty(QStringLiteral("orbGlobalObject")).value<QObject *>();
+    if (!QMetaObject::invokeMethod(opener, "openFile", Qt::QueuedConnection, Q_ARG(QString, text),
+                                   Q_ARG(bool, false)))
+        qFatal("The driver cannot open %s", qPrintable(text));
+}
+
 void Driver::end(int exitCode)
 {
     log(QStringLiteral("end"), {});
@@ -147,7 +172,9 @@ void Driver::end(int exitCode)
 
 QJsonObject Driver::state() const
 {
-    QJsonObject state{{QStringLiteral("texts"), shownTexts()}};
+    const Texts texts = shownTexts();
+    QJsonObject state{{QStringLiteral("texts"), texts.all},
+                      {QStringLiteral("redTexts"), texts.red}};
     if (m_window) {
         const QOpenGLContext *context = m_window->openglContext();
         state.insert(QStringLiteral("frames"), m_frames);

@@ -16,8 +16,8 @@
 /// starts, when its window has shown a frame and when it is told to end. With ORBIX_DRIVER_EXITS, a
 /// list of numbers with commas, the first process to write into the log ends with the first number
 /// as soon as a frame was shown, the next one with the second. Else it obeys the lines of standard
-/// input: "state" answers with a JSON object on a line of standard output, "exit N" ends the event
-/// loop with N.
+/// input: "state" answers with a JSON object on a line of standard output, "open TEXT" opens a file
+/// or an address as the dialog for it does, "exit N" ends the event loop with N.
 ///
 /// Main thread.
 class Driver : public QObject
@@ -34,6 +34,7 @@ private:
     void onFrameShown();
     void readCommands();
     void obey(const QByteArray &command);
+    void open(const QString &text);
     void end(int exitCode);
     QJsonObject state() const;
 
