@@ -119,8 +119,15 @@ Item {
         pitch: orbGlobalObject.pitch
         roll: orbGlobalObject.roll
 
-        onTextureIdChanged: orbTextureProvider.textureId = textureId
-        onFrameArrived: orbTextureProvider.frameArrived()
+        // The last frames of a film may come when a picture is shown already.
+        onTextureIdChanged: {
+            if (mediaPlayer === videoPlayer)
+                orbTextureProvider.textureId = textureId
+        }
+        onFrameArrived: {
+            if (mediaPlayer === videoPlayer)
+                orbTextureProvider.frameArrived()
+        }
         onShaderEffectSourceChanged:
             orbTextureProvider.setShaderEffectSource(videoPlayer.shaderEffectSource)
         onLogMessageChanged: orbGlobalObject.videoLogMessage = logMessage

@@ -4,9 +4,13 @@ CpuTransfer::CpuTransfer(const GlEntryPoints &gl)
     : m_gl(gl)
 {}
 
-void CpuTransfer::create()
+GLuint CpuTransfer::create()
 {
     m_gl.genTextures(1, &m_texture);
+    m_gl.bindTexture(GL_TEXTURE_2D, m_texture);
+    makeFrameTexture(m_gl, GL_RGBA, {1, 1}, kBlackPixel);
+    m_gl.bindTexture(GL_TEXTURE_2D, 0);
+    return m_texture;
 }
 
 void CpuTransfer::release()
@@ -23,9 +27,7 @@ void CpuTransfer::allocate(const QSize &size)
         m_bits[i] = m_images[i].bits();
     }
     m_gl.bindTexture(GL_TEXTURE_2D, m_texture);
-    m_gl.texImage2D(GL_TEXTURE_2D, 0, GL_RGBA, size.width(), size.height(), 0, GL_RGBA,
-                    GL_UNSIGNED_BYTE, nullptr);
-    setFrameTextureParameters(m_gl);
+    makeFrameTexture(m_gl, GL_RGBA, size);
     m_gl.bindTexture(GL_TEXTURE_2D, 0);
 }
 

@@ -12,7 +12,7 @@ class CpuTransfer : public FrameTransfer
 public:
     explicit CpuTransfer(const GlEntryPoints &gl);
 
-    void create() override;
+    GLuint create() override;
     void release() override;
     void allocate(const QSize &size) override;
     bool decodesInContext() const override { return false; }

@@ -19,8 +19,10 @@ class FrameTransfer
 public:
     virtual ~FrameTransfer() = default;
 
-    /// Makes the OpenGL names. Any context of the share group is current.
-    virtual void create() = 0;
+    /// Makes the OpenGL names, each texture one black pixel: the driver prepares for drawing from
+    /// it while the decoder starts. Gives the name of the first. Any context of the share group is
+    /// current.
+    virtual GLuint create() = 0;
 
     /// Deletes what `create` made. Any context of the share group is current.
     virtual void release() = 0;
@@ -50,5 +52,9 @@ public:
     static std::unique_ptr<FrameTransfer> make(TransferMode mode, const GlEntryPoints &gl);
 };
 
-/// Linear filtering and clamped edges for the texture that is bound, as the panorama reads it.
-void setFrameTextureParameters(const GlEntryPoints &gl);
+constexpr unsigned char kBlackPixel[] = {0, 0, 0, 255};
+
+/// Gives the texture that is bound room for frames of this size, filled or not, and linear
+/// filtering and clamped edges, as the panorama reads it. `internalFormat` is OpenGL's.
+void makeFrameTexture(const GlEntryPoints &gl, GLint internalFormat, const QSize &size,
+                      const void *pixels = nullptr);

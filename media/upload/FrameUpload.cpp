@@ -1,8 +1,13 @@
 #include "FrameUpload.h"
 
+#include <QLoggingCategory>
 #include <QOpenGLFunctions_2_1>
 
 #include <cstring>
+
+namespace {
+Q_LOGGING_CATEGORY(lcMedia, "orbix.media")
+} // namespace
 
 FrameUpload::FrameUpload(int requestedMode)
     : m_workerThread(this)
@@ -33,7 +38,7 @@ void FrameUpload::start(QOpenGLContext *scene)
     m_route = m_forcedRoute.value_or(scene->isOpenGLES() ? RouteQueuedPaint : RouteWorkerThread);
     gl.getIntegerv(GL_MAX_TEXTURE_SIZE, &m_maxTextureSize);
     m_transfer = FrameTransfer::make(m_mode, gl);
-    m_transfer->create();
+    m_textureId = static_cast<int>(m_transfer->create());
     QMetaObject::invokeMethod(this, &FrameUpload::finishStart, Qt::QueuedConnection);
 }
 
@@ -51,20 +56,30 @@ bool FrameUpload::openStream(QSize &size)
 {
     if (!m_gate.wait())
         return false;
-    const std::lock_guard noUpload(m_uploadLock);
-    const std::lock_guard lock(frameLock);
     if (size.width() > m_maxTextureSize || size.height() > m_maxTextureSize)
         size.scale(m_maxTextureSize, m_maxTextureSize, Qt::KeepAspectRatio);
-    size = size.expandedTo({1, 1});
-    if (!m_contexts.openDecoder() || !m_contexts.makeDecoderCurrent()) {
-        m_contexts.closeDecoder(); // a stream that does not open is never closed
-        return false;
-    }
+    m_streamSize = size.expandedTo({1, 1});
+    m_stream = Stream::Announced;
+    size = m_streamSize;
+    return true;
+}
+
+/// libVLC tries several formats at the start of a stream, of which one brings frames: contexts and
+/// textures wait for its first.
+bool FrameUpload::allocateStream()
+{
+    const std::lock_guard noUpload(m_uploadLock);
+    const std::lock_guard lock(frameLock);
     m_turn.forget();
-    m_frameBytes = std::size_t(size.width()) * std::size_t(size.height()) * 4;
+    m_frameBytes = std::size_t(m_streamSize.width()) * std::size_t(m_streamSize.height()) * 4;
     m_aside = {};
     m_standing = {};
-    m_transfer->allocate(size);
+    if (!m_contexts.openDecoder() || !m_contexts.makeDecoderCurrent()) {
+        m_contexts.closeDecoder();
+        qCWarning(lcMedia, "There is no OpenGL context for the video's frames.");
+        return false;
+    }
+    m_transfer->allocate(m_streamSize);
     m_contexts.doneDecoder();
     return true;
 }
@@ -105,7 +120,9 @@ void FrameUpload::unmapBuffer()
 
 void *FrameUpload::beginFrame()
 {
-    void *pixels = m_paused ? nullptr : mapBuffer();
+    if (m_stream == Stream::Announced)
+        m_stream = allocateStream() ? Stream::Open : Stream::Failed;
+    void *pixels = m_paused || m_stream == Stream::Failed ? nullptr : mapBuffer();
     m_setAside = !pixels;
     if (m_setAside) {
         m_aside.resize(m_frameBytes);
@@ -120,7 +137,7 @@ void *FrameUpload::beginFrame()
 /// still no room.
 bool FrameUpload::takeFromAside()
 {
-    if (m_aside == m_standing)
+    if (m_stream == Stream::Failed || m_aside == m_standing)
         return false;
     void *pixels = mapBuffer();
     if (!pixels)

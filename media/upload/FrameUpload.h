@@ -60,8 +60,8 @@ public:
 
     // --- decoder thread ---
 
-    /// Makes room for frames of this size, which is made smaller if no texture is that large. Waits
-    /// for the scene's first frame. False if the wait was cancelled or OpenGL gives no room.
+    /// A stream of frames of this size, which is made smaller if no texture is that large. Waits
+    /// for the scene's first frame. False if the wait was cancelled.
     bool openStream(QSize &size);
     void closeStream();
 
@@ -86,6 +86,10 @@ signals:
     void uploadWanted();
 
 private:
+    /// Whether the stream has room for its frames: not yet, yes, or none to be had.
+    enum class Stream { Announced, Open, Failed };
+
+    bool allocateStream();
     void *mapBuffer();
     void unmapBuffer();
     bool takeFromAside();
@@ -102,6 +106,8 @@ private:
     std::vector<char> m_standing; ///< the frame that was set aside before
     const int m_requestedMode;
     int m_maxTextureSize = 0;
+    QSize m_streamSize;                  ///< decoder thread
+    Stream m_stream = Stream::Announced; ///< decoder thread
     std::size_t m_frameBytes = 0;
     int m_fillBuffer = 0;    ///< decoder thread: the buffer that is being filled
     bool m_setAside = false; ///< decoder thread: no buffer is, the frame goes aside

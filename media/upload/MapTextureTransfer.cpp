@@ -11,9 +11,15 @@ MapTextureTransfer::MapTextureTransfer(const GlEntryPoints &gl)
     : m_gl(gl)
 {}
 
-void MapTextureTransfer::create()
+GLuint MapTextureTransfer::create()
 {
     m_gl.genTextures(2, m_textures.data());
+    for (const GLuint texture : m_textures) {
+        m_gl.bindTexture(GL_TEXTURE_2D, texture);
+        makeFrameTexture(m_gl, kRgba8, {1, 1}, kBlackPixel);
+    }
+    m_gl.bindTexture(GL_TEXTURE_2D, 0);
+    return m_textures[0];
 }
 
 void MapTextureTransfer::release()
@@ -27,9 +33,7 @@ void MapTextureTransfer::allocate(const QSize &size)
     for (const GLuint texture : m_textures) {
         m_gl.bindTexture(GL_TEXTURE_2D, texture);
         m_gl.texParameteri(GL_TEXTURE_2D, kTextureMemoryLayoutIntel, kLayoutLinearIntel);
-        m_gl.texImage2D(GL_TEXTURE_2D, 0, kRgba8, size.width(), size.height(), 0, GL_RGBA,
-                        GL_UNSIGNED_BYTE, nullptr);
-        setFrameTextureParameters(m_gl);
+        makeFrameTexture(m_gl, kRgba8, size);
     }
     m_gl.bindTexture(GL_TEXTURE_2D, 0);
 }

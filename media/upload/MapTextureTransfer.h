@@ -11,7 +11,7 @@ class MapTextureTransfer : public FrameTransfer
 public:
     explicit MapTextureTransfer(const GlEntryPoints &gl);
 
-    void create() override;
+    GLuint create() override;
     void release() override;
     void allocate(const QSize &size) override;
     bool decodesInContext() const override { return true; }

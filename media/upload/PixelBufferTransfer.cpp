@@ -12,10 +12,14 @@ PixelBufferTransfer::PixelBufferTransfer(const GlEntryPoints &gl)
     : m_gl(gl)
 {}
 
-void PixelBufferTransfer::create()
+GLuint PixelBufferTransfer::create()
 {
     m_gl.genTextures(1, &m_texture);
+    m_gl.bindTexture(GL_TEXTURE_2D, m_texture);
+    makeFrameTexture(m_gl, kRgba8, {1, 1}, kBlackPixel);
+    m_gl.bindTexture(GL_TEXTURE_2D, 0);
     m_gl.genBuffers(2, m_pixelBuffers.data());
+    return m_texture;
 }
 
 void PixelBufferTransfer::release()
@@ -30,14 +34,12 @@ void PixelBufferTransfer::allocate(const QSize &size)
 {
     m_size = size;
     m_gl.bindTexture(GL_TEXTURE_2D, m_texture);
-    m_gl.texImage2D(GL_TEXTURE_2D, 0, kRgba8, size.width(), size.height(), 0, GL_RGBA,
-                    GL_UNSIGNED_BYTE, nullptr);
+    makeFrameTexture(m_gl, kRgba8, size);
     for (const GLuint pixelBuffer : m_pixelBuffers) {
         m_gl.bindBuffer(kPixelUnpackBuffer, pixelBuffer);
         m_gl.bufferData(kPixelUnpackBuffer, bytes(), nullptr, kStreamDraw);
     }
     m_gl.bindBuffer(kPixelUnpackBuffer, 0);
-    setFrameTextureParameters(m_gl);
     m_gl.bindTexture(GL_TEXTURE_2D, 0);
 }
 

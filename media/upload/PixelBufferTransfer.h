@@ -10,7 +10,7 @@ class PixelBufferTransfer : public FrameTransfer
 public:
     explicit PixelBufferTransfer(const GlEntryPoints &gl);
 
-    void create() override;
+    GLuint create() override;
     void release() override;
     void allocate(const QSize &size) override;
     bool decodesInContext() const override { return true; }

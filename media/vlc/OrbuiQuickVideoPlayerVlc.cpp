@@ -167,6 +167,8 @@ void OrbuiQuickVideoPlayerVlc::openFile(const QUrl &url)
     if (m_mediaHandle) {
         attachMedia(true);
         libvlc_media_add_option(m_mediaHandle, ":play-and-stop");
+        // On a slow machine a late picture is better than the one before again and again.
+        libvlc_media_add_option(m_mediaHandle, ":no-drop-late-frames");
         giveMediaToPlayer();
         emit volumeChanged();
         m_sourceUrl = url;

@@ -29,7 +29,7 @@ class OrbuiQuickVideoPlayerVlc : public QQuickPaintedItem
     Q_OBJECT
     Q_PROPERTY(QUrl source READ source WRITE openFile NOTIFY sourceChanged)
     Q_PROPERTY(float volume READ volume WRITE setVolume NOTIFY volumeChanged)
-    Q_PROPERTY(bool nativeSize WRITE setNativeSize)
+    Q_PROPERTY(bool nativeSize READ nativeSize WRITE setNativeSize)
     Q_PROPERTY(float yaw READ yaw WRITE setYaw NOTIFY yawChanged)
     Q_PROPERTY(float pitch READ pitch WRITE setPitch NOTIFY pitchChanged)
     Q_PROPERTY(float roll READ roll WRITE setRoll NOTIFY rollChanged)
@@ -54,6 +54,7 @@ public:
     void setVolume(float volume);
 
     /// Whether each new format of the video gives the item the size of its frames, in pixels.
+    bool nativeSize() const { return m_nativeSize; }
     void setNativeSize(bool nativeSize) { m_nativeSize = nativeSize; }
 
     /// The camera for those who place sound, radians; the picture does not depend on it.

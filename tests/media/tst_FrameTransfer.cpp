@@ -150,7 +150,9 @@ void tst_FrameTransfer::theModeIsTheBestThatIsAskedForAndThere()
 void tst_FrameTransfer::aMappedTextureIsWrittenAndShownInTurn()
 {
     const auto transfer = FrameTransfer::make(TransferIntelMapTexture, recorder());
-    transfer->create();
+    QCOMPARE(transfer->create(), 11U);
+    const QString black = QStringLiteral("image 8058 1x1 1908 1401 filled; ") + kParameters;
+    QCOMPARE(driver.told(), QStringLiteral("texture 11; %1; texture 12; %1; texture 0").arg(black));
     QVERIFY(transfer->decodesInContext());
     transfer->allocate({6, 4});
     const QString storage = QStringLiteral("set 83ff 1; image 8058 6x4 1908 1401; ") + kParameters;
@@ -172,14 +174,16 @@ void tst_FrameTransfer::aMappedTextureIsWrittenAndShownInTurn()
 void tst_FrameTransfer::aPixelBufferIsFilledWhileTheOtherIsCopied()
 {
     const auto transfer = FrameTransfer::make(TransferPixelBufferObject, recorder());
-    transfer->create();
+    QCOMPARE(transfer->create(), 11U);
+    QCOMPARE(driver.told(),
+             QStringLiteral("texture 11; image 8058 1x1 1908 1401 filled; %1; texture 0")
+                 .arg(kParameters));
     QVERIFY(transfer->decodesInContext());
     transfer->allocate({6, 4});
     QCOMPARE(driver.told(),
-             QStringLiteral("texture 11; image 8058 6x4 1908 1401; "
-                            "88ec buffer 21; new storage 96 88e0; "
-                            "88ec buffer 22; new storage 96 88e0; 88ec buffer 0; ")
-                 + kParameters + QStringLiteral("; texture 0"));
+             QStringLiteral("texture 11; image 8058 6x4 1908 1401; ") + kParameters
+                 + QStringLiteral("; 88ec buffer 21; new storage 96 88e0; "
+                                  "88ec buffer 22; new storage 96 88e0; 88ec buffer 0; texture 0"));
 
     for (const int buffer : {1, 0}) {
         QCOMPARE(transfer->beginFrame(buffer), driver.memory.data());
@@ -201,7 +205,10 @@ void tst_FrameTransfer::aPixelBufferIsFilledWhileTheOtherIsCopied()
 void tst_FrameTransfer::memoryIsFilledWhileTheOtherIsCopied()
 {
     const auto transfer = FrameTransfer::make(TransferCpu, recorder());
-    transfer->create();
+    QCOMPARE(transfer->create(), 11U);
+    QCOMPARE(driver.told(),
+             QStringLiteral("texture 11; image 1908 1x1 1908 1401 filled; %1; texture 0")
+                 .arg(kParameters));
     QVERIFY(!transfer->decodesInContext());
     transfer->allocate({6, 4});
     QCOMPARE(driver.told(),
