@@ -129,7 +129,7 @@ void tst_MainWindowBadInput::aBrokenFilmShowsItsErrorInTheScene()
     QTRY_VERIFY(item([&error](QQuickItem *candidate) {
         return candidate->property("text").toString().contains(error);
     }));
-    QCOMPARE(playerStatus(), QMediaPlayer::InvalidMedia);
+    QTRY_COMPARE(playerStatus(), QMediaPlayer::InvalidMedia);
     keepPicture(QStringLiteral("broken-film"));
     thenAGoodPictureShows();
 }

@@ -106,7 +106,7 @@ void tst_OrbGlobalObjectServices::theKindOfOpenGLFollowsTheSettings_data()
     const auto plugin = [](const char *id) {
         return QVariantMap{{kVideoPlugin, QString::fromLatin1(id)}};
     };
-    QTest::newRow("nothing chosen") << QVariantMap() << QSurfaceFormat::OpenGLES;
+    QTest::newRow("nothing chosen") << QVariantMap() << QSurfaceFormat::OpenGL;
     QTest::newRow("the native backend") << plugin("gst") << QSurfaceFormat::OpenGLES;
     QTest::newRow("an unknown backend") << plugin("VLC") << QSurfaceFormat::OpenGLES;
     QTest::newRow("libVLC") << plugin("vlc") << QSurfaceFormat::OpenGL;
