@@ -29,7 +29,7 @@ constexpr RunningPlayer::Kind kPeers[] = {RunningPlayer::Vlc, RunningPlayer::Mpv
 constexpr double kSeekTargets[] = {12.5, 3.5}; // seconds; midway between keyframes
 constexpr QSize kFirstPictureArea(400, 280);   // holds the number before the field of view is set
 constexpr int kPollUs = 2000;
-constexpr int kSettleMs = 1000;
+constexpr unsigned long kSettleMs = 1000;
 constexpr int kAfterSeekMs = 400;
 constexpr int kPlayMs = 3000;
 constexpr int kIdleMs = 2000;

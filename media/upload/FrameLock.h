@@ -33,5 +33,5 @@ public:
     }
 
 private:
-    omp_lock_t m_lock;
+    omp_lock_t m_lock{};
 };
