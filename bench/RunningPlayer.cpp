@@ -26,7 +26,8 @@ double widthFovDeg()
 QString program(RunningPlayer::Kind kind)
 {
     return QStringList{QStringLiteral(PLAYER), QStringLiteral("vlc"), QStringLiteral("mpv"),
-                       QStringLiteral("mpv")}[kind];
+                       QStringLiteral("mpv")}
+        .at(kind);
 }
 
 // VLC starts with 80 degrees over the width; one press of its key adds 1.5.
@@ -40,7 +41,8 @@ int vlcZoomPresses()
 QString RunningPlayer::name(Kind kind)
 {
     return QStringList{QStringLiteral("orbixsight"), QStringLiteral("vlc"), QStringLiteral("mpv"),
-                       QStringLiteral("mpv, OpenGL")}[kind];
+                       QStringLiteral("mpv, OpenGL")}
+        .at(kind);
 }
 
 RunningPlayer::RunningPlayer(Kind kind, Screen *screen, const QString &caches)

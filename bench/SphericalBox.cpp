@@ -72,7 +72,8 @@ std::vector<Box> boxesIn(const QByteArray &file, const Box &parent)
 /// The first box at the end of a path of types, such as "mdia/hdlr".
 std::optional<Box> find(const QByteArray &file, Box parent, const QByteArray &path)
 {
-    for (const QByteArray &type : path.split('/')) {
+    const QList<QByteArray> types = path.split('/');
+    for (const QByteArray &type : types) {
         const std::vector<Box> boxes = boxesIn(file, parent);
         const auto found = std::find_if(boxes.begin(), boxes.end(),
                                         [&type](const Box &box) { return box.type == type; });

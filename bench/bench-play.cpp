@@ -295,7 +295,8 @@ int main(int argc, char **argv)
     const QGuiApplication application(argc, argv);
     int repetitions = 3;
     QRegularExpression filter;
-    for (const QString &argument : QGuiApplication::arguments()) {
+    const QStringList arguments = QGuiApplication::arguments();
+    for (const QString &argument : arguments) {
         const QString value = argument.section(QLatin1Char('='), 1);
         if (argument.startsWith(QLatin1String("--benchmark_repetitions=")))
             repetitions = value.toInt();

@@ -1,5 +1,7 @@
 #pragma once
 
+// The native size is told once and followed by nobody. clazy:excludeall=qproperty-without-notify
+
 #include "FrameCounter.h"
 #include "FrameUpload.h"
 

@@ -87,7 +87,7 @@ OrbuiQuickVideoPlayerVlc::VlcState VlcStage::state() const
                             : OrbuiQuickVideoPlayerVlc::VlcState(states.last());
 }
 
-bool VlcStage::waitForState(OrbuiQuickVideoPlayerVlc::VlcState wanted)
+bool VlcStage::waitForState(OrbuiQuickVideoPlayerVlc::VlcState wanted) const
 {
     return QTest::qWaitFor([&] { return state() == wanted; });
 }

@@ -20,7 +20,7 @@ public:
     ~VlcStage();
 
     void show();
-    void playFile(const QString &path) { player->openFile(QUrl::fromLocalFile(path)); }
+    void playFile(const QString &path) const { player->openFile(QUrl::fromLocalFile(path)); }
 
     /// The pixels of the player's texture, upright and in their true colours; null without one.
     QImage texture();
@@ -33,7 +33,7 @@ public:
 
     /// Waits for a frame that pleases.
     bool waitForFrame(const std::function<bool(int number)> &isWanted);
-    bool waitForState(OrbuiQuickVideoPlayerVlc::VlcState state);
+    bool waitForState(OrbuiQuickVideoPlayerVlc::VlcState wanted) const;
     OrbuiQuickVideoPlayerVlc::VlcState state() const;
 
     QQuickWindow window;

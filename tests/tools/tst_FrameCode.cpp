@@ -149,7 +149,8 @@ void tst_FrameCode::aFilmHasTheNumbersAndColours()
     const int frameSize = clip.size.width() * clip.size.height() * 4;
     QCOMPARE(pixels.size(), clip.frames * frameSize);
     for (int i = 0; i < clip.frames; ++i) {
-        const QImage frame(reinterpret_cast<const uchar *>(pixels.constData()) + i * frameSize,
+        const QImage frame(reinterpret_cast<const uchar *>(pixels.constData())
+                               + std::ptrdiff_t(i) * frameSize,
                            clip.size.width(), clip.size.height(), QImage::Format_RGB32);
         const QImage screen = view(frame, {640, 480});
         QCOMPARE(FrameCode::read(screen), std::optional<int>(clip.firstNumber + i));

@@ -39,7 +39,7 @@ bool isWhite(int column, int row, quint32 code)
     if (depth < kRings)
         return depth == 0;
     const int bit = (row - kRings) * kBits + column - kRings;
-    return code >> (31 - bit) & 1U;
+    return code >> (static_cast<unsigned>(31 - bit) & 31U) & 1U;
 }
 
 /// The pixels of a part of the sphere in an equirectangular picture.
@@ -144,11 +144,13 @@ QImage FrameCode::frame(const QSize &size, int number)
 
 void FrameCode::draw(QImage &picture, int number)
 {
+    constexpr int kMiddleColumn = kColumns / 2;
+    constexpr int kMiddleRow = kRows / 2;
     QPainter painter(&picture);
     for (int row = 0; row < kRows; ++row) {
         for (int column = 0; column < kColumns; ++column) {
-            const double left = (column - kColumns / 2) * kCellDeg;
-            const double top = (kRows / 2 - row) * kCellDeg;
+            const double left = (column - kMiddleColumn) * kCellDeg;
+            const double top = (kMiddleRow - row) * kCellDeg;
             painter.fillRect(pixels(picture.size(), left, top, left + kCellDeg, top - kCellDeg),
                              isWhite(column, row, coded(number)) ? Qt::white : Qt::black);
         }
