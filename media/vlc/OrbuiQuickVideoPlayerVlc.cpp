@@ -84,7 +84,11 @@ void OrbuiQuickVideoPlayerVlc::attachPlayer()
 
 void OrbuiQuickVideoPlayerVlc::followUpload()
 {
-    const auto takeTexture = [this] { setTextureId(m_upload.textureId()); };
+    const auto takeTexture = [this] {
+        setTextureId(m_upload.textureId());
+        if (m_paintTexture)
+            update();
+    };
     connect(&m_upload, &FrameUpload::textureIdChanged, this, takeTexture, Qt::QueuedConnection);
     connect(&m_upload, &FrameUpload::started, this, [this, takeTexture] {
         takeTexture();
