@@ -56,7 +56,8 @@ Player::~Player()
 {
     m_process.kill();
     m_process.waitForFinished();
-    for (const pid_t process : processes())
+    const auto left = processes();
+    for (const pid_t process : left)
         kill(process, SIGKILL);
 }
 

@@ -37,7 +37,11 @@ struct Driver
     }
 };
 
-Driver driver;
+Driver &driver()
+{
+    static Driver instance;
+    return instance;
+}
 
 GlEntryPoints recorder()
 {
@@ -45,48 +49,48 @@ GlEntryPoints recorder()
     gl.genTextures = [](GLsizei n, GLuint *names) { std::iota(names, names + n, 11); };
     gl.genBuffers = [](GLsizei n, GLuint *names) { std::iota(names, names + n, 21); };
     gl.deleteTextures = [](GLsizei n, const GLuint *names) {
-        driver.call("delete %d textures from %u", n, names[0]);
+        driver().call("delete %d textures from %u", n, names[0]);
     };
     gl.deleteBuffers = [](GLsizei n, const GLuint *names) {
-        driver.call("delete %d buffers from %u", n, names[0]);
+        driver().call("delete %d buffers from %u", n, names[0]);
     };
-    gl.bindTexture = [](GLenum, GLuint name) { driver.call("texture %u", name); };
+    gl.bindTexture = [](GLenum, GLuint name) { driver().call("texture %u", name); };
     gl.texParameteri = [](GLenum, GLenum parameter, GLint value) {
-        driver.call("set %x %x", parameter, unsigned(value));
+        driver().call("set %x %x", parameter, unsigned(value));
     };
     gl.texParameterf = [](GLenum, GLenum parameter, GLfloat value) {
-        driver.call("set %x %x", parameter, unsigned(value));
+        driver().call("set %x %x", parameter, unsigned(value));
     };
     gl.texImage2D = [](GLenum, GLint, GLint internal, GLsizei w, GLsizei h, GLint, GLenum format,
                        GLenum type, const void *pixels) {
-        driver.call("image %x %dx%d %x %x%s", unsigned(internal), w, h, format, type,
-                    pixels ? " filled" : "");
+        driver().call("image %x %dx%d %x %x%s", unsigned(internal), w, h, format, type,
+                      pixels ? " filled" : "");
     };
     gl.texSubImage2D = [](GLenum, GLint, GLint x, GLint y, GLsizei w, GLsizei h, GLenum format,
                           GLenum type, const void *pixels) {
-        driver.call("copy %d,%d %dx%d %x %x from %s", x, y, w, h, format, type,
-                    pixels ? "memory" : "buffer");
+        driver().call("copy %d,%d %dx%d %x %x from %s", x, y, w, h, format, type,
+                      pixels ? "memory" : "buffer");
         if (pixels)
-            driver.calls.last() += QString::number(*static_cast<const quint32 *>(pixels), 16);
+            driver().calls.last() += QString::number(*static_cast<const quint32 *>(pixels), 16);
     };
-    gl.activeTexture = [](GLenum unit) { driver.call("unit %u", unit - GL_TEXTURE0); };
-    gl.bindBuffer = [](GLenum target, GLuint name) { driver.call("%x buffer %u", target, name); };
+    gl.activeTexture = [](GLenum unit) { driver().call("unit %u", unit - GL_TEXTURE0); };
+    gl.bindBuffer = [](GLenum target, GLuint name) { driver().call("%x buffer %u", target, name); };
     gl.bufferData = [](GLenum, qopengl_GLsizeiptr bytes, const void *data, GLenum usage) {
-        driver.call("new storage %d %x%s", int(bytes), usage, data ? " filled" : "");
+        driver().call("new storage %d %x%s", int(bytes), usage, data ? " filled" : "");
     };
     gl.mapBuffer = [](GLenum, GLenum access) {
-        driver.call("map %x", access);
-        return driver.map();
+        driver().call("map %x", access);
+        return driver().map();
     };
     gl.unmapBuffer = [](GLenum) -> GLboolean {
-        driver.call("unmap");
+        driver().call("unmap");
         return 1;
     };
-    gl.syncTexture = [](GLuint name) { driver.call("sync %u", name); };
-    gl.unmapTexture2D = [](GLuint name, GLint level) { driver.call("unmap %u,%d", name, level); };
+    gl.syncTexture = [](GLuint name) { driver().call("sync %u", name); };
+    gl.unmapTexture2D = [](GLuint name, GLint level) { driver().call("unmap %u,%d", name, level); };
     gl.mapTexture2D = [](GLuint name, GLint level, GLbitfield access, GLint *, GLenum *) {
-        driver.call("map %u,%d %x", name, level, access);
-        return driver.map();
+        driver().call("map %u,%d %x", name, level, access);
+        return driver().map();
     };
     return gl;
 }
@@ -118,8 +122,8 @@ private slots:
 void tst_FrameTransfer::init()
 {
     WarningsFail::init();
-    driver = {};
-    driver.memory.resize(4);
+    driver() = {};
+    driver().memory.resize(4);
 }
 
 void tst_FrameTransfer::theModeIsTheBestThatIsAskedForAndThere_data()
@@ -152,66 +156,68 @@ void tst_FrameTransfer::aMappedTextureIsWrittenAndShownInTurn()
     const auto transfer = FrameTransfer::make(TransferIntelMapTexture, recorder());
     QCOMPARE(transfer->create(), 11U);
     const QString black = QStringLiteral("image 8058 1x1 1908 1401 filled; ") + kParameters;
-    QCOMPARE(driver.told(), QStringLiteral("texture 11; %1; texture 12; %1; texture 0").arg(black));
+    QCOMPARE(driver().told(),
+             QStringLiteral("texture 11; %1; texture 12; %1; texture 0").arg(black));
     QVERIFY(transfer->decodesInContext());
     transfer->allocate({6, 4});
     const QString storage = QStringLiteral("set 83ff 1; image 8058 6x4 1908 1401; ") + kParameters;
-    QCOMPARE(driver.told(),
+    QCOMPARE(driver().told(),
              QStringLiteral("texture 11; %1; texture 12; %1; texture 0").arg(storage));
 
     for (const int buffer : {1, 0}) {
-        QCOMPARE(transfer->beginFrame(buffer), driver.memory.data());
+        QCOMPARE(transfer->beginFrame(buffer), driver().memory.data());
         transfer->endFrame(buffer);
-        QCOMPARE(driver.told(), QStringLiteral("map %1,0 2; unmap %1,0").arg(11 + buffer));
+        QCOMPARE(driver().told(), QStringLiteral("map %1,0 2; unmap %1,0").arg(11 + buffer));
         QCOMPARE(transfer->upload(buffer), GLuint(11 + buffer));
-        QCOMPARE(driver.told(),
+        QCOMPARE(driver().told(),
                  QStringLiteral("unit 0; texture %1; sync %1; texture 0").arg(11 + buffer));
     }
     transfer->release();
-    QCOMPARE(driver.told(), QStringLiteral("delete 2 textures from 11"));
+    QCOMPARE(driver().told(), QStringLiteral("delete 2 textures from 11"));
 }
 
 void tst_FrameTransfer::aPixelBufferIsFilledWhileTheOtherIsCopied()
 {
     const auto transfer = FrameTransfer::make(TransferPixelBufferObject, recorder());
     QCOMPARE(transfer->create(), 11U);
-    QCOMPARE(driver.told(),
+    QCOMPARE(driver().told(),
              QStringLiteral("texture 11; image 8058 1x1 1908 1401 filled; %1; texture 0")
                  .arg(kParameters));
     QVERIFY(transfer->decodesInContext());
     transfer->allocate({6, 4});
-    QCOMPARE(driver.told(),
+    QCOMPARE(driver().told(),
              QStringLiteral("texture 11; image 8058 6x4 1908 1401; ") + kParameters
                  + QStringLiteral("; 88ec buffer 21; new storage 96 88e0; "
                                   "88ec buffer 22; new storage 96 88e0; 88ec buffer 0; texture 0"));
 
     for (const int buffer : {1, 0}) {
-        QCOMPARE(transfer->beginFrame(buffer), driver.memory.data());
+        QCOMPARE(transfer->beginFrame(buffer), driver().memory.data());
         transfer->endFrame(buffer);
-        QCOMPARE(driver.told(),
+        QCOMPARE(driver().told(),
                  QStringLiteral("88ec buffer %1; new storage 96 88e0; map 88b9; "
                                 "unmap; 88ec buffer 0")
                      .arg(21 + buffer));
         QCOMPARE(transfer->upload(buffer), 11U);
-        QCOMPARE(driver.told(),
+        QCOMPARE(driver().told(),
                  QStringLiteral("unit 0; texture 11; 88ec buffer %1; "
                                 "copy 0,0 6x4 1908 1401 from buffer; 88ec buffer 0; texture 0")
                      .arg(21 + buffer));
     }
     transfer->release();
-    QCOMPARE(driver.told(), QStringLiteral("delete 1 textures from 11; delete 2 buffers from 21"));
+    QCOMPARE(driver().told(),
+             QStringLiteral("delete 1 textures from 11; delete 2 buffers from 21"));
 }
 
 void tst_FrameTransfer::memoryIsFilledWhileTheOtherIsCopied()
 {
     const auto transfer = FrameTransfer::make(TransferCpu, recorder());
     QCOMPARE(transfer->create(), 11U);
-    QCOMPARE(driver.told(),
+    QCOMPARE(driver().told(),
              QStringLiteral("texture 11; image 1908 1x1 1908 1401 filled; %1; texture 0")
                  .arg(kParameters));
     QVERIFY(!transfer->decodesInContext());
     transfer->allocate({6, 4});
-    QCOMPARE(driver.told(),
+    QCOMPARE(driver().told(),
              QStringLiteral("texture 11; image 1908 6x4 1908 1401; ") + kParameters
                  + QStringLiteral("; texture 0"));
 
@@ -220,19 +226,19 @@ void tst_FrameTransfer::memoryIsFilledWhileTheOtherIsCopied()
     const quint32 pixels[] = {0xff112233, 0xff445566};
     for (const int buffer : {0, 1}) {
         transfer->upload(buffer);
-        QCOMPARE(driver.told(), copy.arg(QStringLiteral("ff000000"))); // black, opaque
+        QCOMPARE(driver().told(), copy.arg(QStringLiteral("ff000000"))); // black, opaque
         auto *frame = static_cast<quint32 *>(transfer->beginFrame(buffer));
         frame[0] = pixels[buffer];
         frame[23] = pixels[buffer]; // the last of the frame
         transfer->endFrame(buffer);
     }
-    QVERIFY(driver.told().isEmpty());
+    QVERIFY(driver().told().isEmpty());
     for (const int buffer : {0, 1}) {
         QCOMPARE(transfer->upload(buffer), 11U);
-        QCOMPARE(driver.told(), copy.arg(pixels[buffer], 0, 16));
+        QCOMPARE(driver().told(), copy.arg(pixels[buffer], 0, 16));
     }
     transfer->release();
-    QCOMPARE(driver.told(), QStringLiteral("delete 1 textures from 11"));
+    QCOMPARE(driver().told(), QStringLiteral("delete 1 textures from 11"));
 }
 
 void tst_FrameTransfer::aDriverWithoutMemoryGivesNone_data()
@@ -248,7 +254,7 @@ void tst_FrameTransfer::aDriverWithoutMemoryGivesNone()
     const auto transfer = FrameTransfer::make(TransferMode(mode), recorder());
     transfer->create();
     transfer->allocate({6, 4});
-    driver.mapsNothing = true;
+    driver().mapsNothing = true;
     QVERIFY(!transfer->beginFrame(1));
 }
 

@@ -25,7 +25,8 @@ bool isBasicLoop()
 int patchError(const QImage &frame)
 {
     int error = 0;
-    for (const FrameCode::Patch &patch : FrameCode::patches()) {
+    const auto patches = FrameCode::patches();
+    for (const FrameCode::Patch &patch : patches) {
         const QColor seen = frame.pixelColor(qRound((patch.longitudeDeg / 360 + 0.5)
                                                     * frame.width()),
                                              qRound((0.5 - patch.latitudeDeg / 180)

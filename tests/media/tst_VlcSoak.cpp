@@ -255,9 +255,8 @@ void tst_VlcSoak::aPlayerMayGoAtAnyTime()
         auto *player = new Player(window->contentItem());
         player->setSize({320, 200});
         player->setUploadRoute(UploadRoute(RouteQueuedPaint + m_players % 3));
-        bool reached = state == Player::Idle;
-        connect(player, &Player::vlcStateChanged, player, [&, player](int now) {
-            reached = reached || now == state;
+        const QSignalSpy states(player, &Player::vlcStateChanged);
+        connect(player, &Player::vlcStateChanged, player, [player, state](int now) {
             if (now == Player::Playing && state == Player::Paused)
                 player->pause();
         });
@@ -267,7 +266,8 @@ void tst_VlcSoak::aPlayerMayGoAtAnyTime()
         if (state < 0)
             QTest::qWait(m_random.bounded(kLongestMs));
         else
-            QVERIFY(QTest::qWaitFor([&] { return reached; }));
+            QVERIFY(QTest::qWaitFor(
+                [&] { return state == Player::Idle || states.contains(QVariantList{state}); }));
         if (m_players / 2 % 2)
             delete player; // else it goes with its window
     }
@@ -284,14 +284,13 @@ void tst_VlcSoak::aPlayerMayGoAfterItsFirstPicture()
         auto player = std::make_unique<Player>(window.contentItem());
         player->setSize({320, 200});
         player->openFile(QUrl::fromLocalFile(m_sources.first().path));
-        bool told = false;
-        connect(player.get(), &Player::textureTransferChanged, this, [&] { told = true; });
+        const QSignalSpy changes(player.get(), &Player::textureTransferChanged);
         QEvent draw(QEvent::UpdateRequest);
         QCoreApplication::sendEvent(&window, &draw);
         QVERIFY(!player->textureTransfer().isEmpty());
-        QVERIFY(!told);
+        QVERIFY(changes.isEmpty());
         player.reset();
-        QVERIFY(!told);
+        QVERIFY(changes.isEmpty());
     }
 }
 
