@@ -3,6 +3,7 @@
 #include "CrashHandler.h"
 #include "OrbSettingsManager.h"
 #include "Product.h"
+#include "SafeRichText.h"
 #include "WindowManager.h"
 
 #include <QDateTime>
@@ -30,7 +31,7 @@ QString glText(QOpenGLFunctions *functions, GLenum name)
 } // namespace
 
 OrbQQuickView::OrbQQuickView(OrbSettingsManager *settings, bool demoMode)
-    : m_updateManager(settings, Product::updateServerUrl())
+    : m_updateManager(settings, Product::updateServerUrl(), this)
     , m_fullScreen(demoMode)
     , m_demoMode(demoMode)
     , m_gpuInfo(tr("Cannot get GPU version"))
@@ -51,7 +52,9 @@ OrbQQuickView::OrbQQuickView(OrbSettingsManager *settings, bool demoMode)
 
 void OrbQQuickView::checkUpdate()
 {
-    if (!m_updateManager.isConfigured())
+    if (m_updateManager.isConfigured())
+        m_updateManager.check(true);
+    else
         emit displayMessage(tr("This build has no update server to ask."));
 }
 
@@ -113,7 +116,7 @@ QString OrbQQuickView::newVersionDate() const
 
 QString OrbQQuickView::newChangeLog() const
 {
-    return m_updateManager.changeLog();
+    return safeRichText(m_updateManager.changeLog());
 }
 
 QString OrbQQuickView::urlDownload() const

@@ -60,7 +60,7 @@ public:
     Q_INVOKABLE QString copyrightDates() const;
     Q_INVOKABLE QString newVersion() const;
     Q_INVOKABLE QString newVersionDate() const;
-    Q_INVOKABLE QString newChangeLog() const;
+    Q_INVOKABLE QString newChangeLog() const; ///< rich text that loads nothing
     Q_INVOKABLE QString urlDownload() const;
     Q_INVOKABLE QString urlHistory() const;
 

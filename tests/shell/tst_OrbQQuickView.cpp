@@ -118,7 +118,8 @@ void tst_OrbQQuickView::framesAreCounted()
 
 void tst_OrbQQuickView::aCheckWithoutAServerSaysSo()
 {
-    QVERIFY2(Product::updateServerUrl().isEmpty(), "Only for builds without an update server");
+    if (!Product::updateServerUrl().isEmpty())
+        QSKIP("This build has an update server; the sanitizers' builds have none.");
     OrbQQuickView view(&m_settings, false);
     QSignalSpy message(&view, &OrbQQuickView::displayMessage);
     view.checkUpdate();
