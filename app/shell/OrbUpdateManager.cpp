@@ -15,8 +15,8 @@ namespace {
 
 constexpr qint64 kWeekSeconds = 604800;
 constexpr int kReleaseBuild = 400;
-constexpr qint64 kLongestVersion = 64 * 1024;
-constexpr qint64 kLongestChangeLog = 1024 * 1024;
+constexpr qint64 kLongestVersion = 1 << 16;
+constexpr qint64 kLongestChangeLog = 1 << 20;
 
 QString lastCheckKey()
 {
@@ -134,11 +134,9 @@ void OrbUpdateManager::send(File file, const QString &channel, const QString &da
 void OrbUpdateManager::OnNetReplyFinished(QNetworkReply *reply)
 {
     reply->deleteLater();
-    const auto known = m_requests.constFind(reply);
-    if (known == m_requests.constEnd())
+    if (!m_requests.contains(reply))
         return;
-    const Request request = *known;
-    m_requests.erase(known);
+    const Request request = m_requests.take(reply);
 
     if (request.file == File::Version && request.tooLong) {
         takeVersion(request.channel, QString()); // an answer, though one of no use

@@ -82,9 +82,9 @@ private:
     enum class File { Version, ChangeLog };
     struct Request
     {
-        File file;
+        File file = File::Version;
         QString channel;
-        bool tooLong; ///< given up, as the answer is longer than any that makes sense
+        bool tooLong = false; ///< given up, as the answer is longer than any that makes sense
     };
 
     void askVersion(const QString &channel);

@@ -35,7 +35,7 @@ int buildKind(const QString &piece)
     struct Kind
     {
         QLatin1String name;
-        int first;
+        int first = 0;
     };
     const Kind kinds[] = {{QLatin1String("Alpha"), 100},
                           {QLatin1String("Beta"), 200},

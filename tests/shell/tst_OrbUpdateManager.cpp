@@ -17,7 +17,7 @@ using namespace std::chrono_literals;
 namespace {
 
 const QString kKey = QStringLiteral("general/last_update_check");
-const QByteArray kStable = "/oxs/stable/version";
+constexpr char kStable[] = "/oxs/stable/version";
 
 QDateTime noon()
 {
