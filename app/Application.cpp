@@ -80,6 +80,7 @@ void Application::setUp(OrbSettingsManager *settings, const QString &startFolder
     const QVariantMap commandLine = parseCommandLine(*this, startFolder);
     VlcOptions::process().load(*settings);
     createObjects(commandLine);
+    m_globalObject->setStartFolder(startFolder);
     setContextObjects();
     registerTypes();
     m_view->setSource(QUrl(kRootScene));

@@ -51,4 +51,15 @@ void OrbOculus::checkDevice()
     m_state->checkOculusMode(m_available);
     m_logMessage += tr("Oculus Rift initialization failed.\n")
         + tr("Ensure to have installed Oculus Runtime %1.\n").arg(kRuntimeVersion);
+    emit logMessageChanged();
+}
+
+void OrbOculus::setAvailable(bool available)
+{
+    if (available == m_available)
+        return;
+    if (!available)
+        setActivated(false);
+    m_available = available;
+    emit availableChanged();
 }

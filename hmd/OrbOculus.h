@@ -72,6 +72,9 @@ signals:
     void fpsChanged();
 
 public slots:
+    /// What the device's layer found. A device that goes is no longer in use.
+    void setAvailable(bool available);
+
     /// Starts the search once the scene has an OpenGL context: runs on the render thread, after the
     /// first frame.
     void initOvr();

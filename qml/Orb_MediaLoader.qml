@@ -4,6 +4,7 @@ import QtQuick.Window 2.2
 import OrbVideo 1.0
 import QtMultimedia 5.0
 import OrbixSight 1.0
+import "lib.js" as Lib
 
 // Owns the video player and the image player, decides which of them shows a source, and hands the
 // texture of the one in use to the panorama.
@@ -17,7 +18,7 @@ Item {
     function processFileSource(fileSource, checkFile, clearPlaylist, error) {
         var url = ""
         mediaPlayer.mediaSource = ""
-        orbView.updateTitle(fileSource)
+        orbView.updateTitle(Lib.withoutPasswords(fileSource))
         if (clearPlaylist)
             orbGlobalObject.clearPlayList()
 
@@ -32,7 +33,7 @@ Item {
                 showVideoPlayer()
             else
                 error = qsTr("The file format is not supported.")
-            orbView.updateTitle(url)
+            orbView.updateTitle(Lib.withoutPasswords(url))
         }
 
         orbGlobalObject.readMetaData(url)
@@ -130,7 +131,7 @@ Item {
         }
         onShaderEffectSourceChanged:
             orbTextureProvider.setShaderEffectSource(videoPlayer.shaderEffectSource)
-        onLogMessageChanged: orbGlobalObject.videoLogMessage = logMessage
+        onLogMessageChanged: orbGlobalObject.videoLogMessage = Lib.withoutPasswords(logMessage)
         onHeightChanged: checkSourceSize()
         onWidthChanged: checkSourceSize()
         onMediaSourceChanged: checkSourceSize()
@@ -199,7 +200,7 @@ Item {
             else if (!orbGlobalObject.playListIsEmpty())
                 orbGlobalObject.startTimerNextImage()
         }
-        onLogMessageChanged: orbGlobalObject.videoLogMessage = logMessage
+        onLogMessageChanged: orbGlobalObject.videoLogMessage = Lib.withoutPasswords(logMessage)
     }
 
     ShaderEffectSource {

@@ -4,6 +4,7 @@ import QtMultimedia 5.0
 import OrbixSight 1.0
 import "theme"
 import "fieldOfView.js" as FieldOfView
+import "lib.js" as Lib
 
 // The layer under all controls: the panorama, what stands in for it while nothing plays, and the
 // pointing input that steers the view.
@@ -98,7 +99,7 @@ Item {
                 verticalAlignment: Text.AlignVCenter
                 wrapMode: Text.WordWrap
                 elide: Text.ElideRight
-                text: mediaPlayer.errorString
+                text: Lib.withoutPasswords(mediaPlayer.errorString)
                 font.pixelSize: 16
                 color: "red"
             }

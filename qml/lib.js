@@ -11,3 +11,8 @@ function formatTime(time) {
     var hours = Math.floor(minutes / 60)
     return (hours === 0 ? "" : hours + ":") + twoDigits(minutes % 60) + ":" + twoDigits(seconds % 60)
 }
+
+// A text with the passwords of the addresses in it left out.
+function withoutPasswords(text) {
+    return text.toString().replace(/([a-z][a-z0-9+.\-]*:\/\/[^\/\s:@]*):[^\/\s]*@/gi, "$1@")
+}

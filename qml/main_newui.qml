@@ -24,6 +24,14 @@ FocusScope {
         orbGlobalObject.restoreCursor()
     }
 
+    // Opens a page in the user's browser, or says why it cannot.
+    function openAddress(address) {
+        if (address === "")
+            onDisplayMessage(qsTr("This build has no address to open."))
+        else if (!Qt.openUrlExternally(address))
+            onDisplayMessage(qsTr("No program on this computer opens %1.").arg(address))
+    }
+
     function popupOrWallOpen() {
         return state === "Popup" || state === "Popup_Wall" || state === "Wall"
     }

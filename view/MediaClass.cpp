@@ -58,3 +58,19 @@ QString MediaClass::absoluteSource(const QString &text, const QString &folder)
         return text;
     return QDir(folder).absoluteFilePath(text);
 }
+
+QString MediaClass::typedSource(const QString &text, const QString &folder)
+{
+    const QString asTyped = QDir(folder).absoluteFilePath(text);
+    if (!text.isEmpty() && QFileInfo(asTyped).isFile())
+        return asTyped;
+
+    QString source = text.trimmed();
+    const bool quoted = source.size() >= 2 && source.front() == source.back()
+        && (source.front() == QLatin1Char('"') || source.front() == QLatin1Char('\''));
+    if (quoted)
+        source = source.mid(1, source.size() - 2);
+    if (source == QLatin1Char('~') || source.startsWith(QLatin1String("~/")))
+        source.replace(0, 1, QDir::homePath());
+    return source.isEmpty() ? source : absoluteSource(source, folder);
+}

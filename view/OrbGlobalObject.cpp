@@ -274,6 +274,11 @@ QString OrbGlobalObject::getEnterpriseWebLink() const
     return Product::makerUrl();
 }
 
+QString OrbGlobalObject::getDocumentationLink() const
+{
+    return Product::documentationUrl();
+}
+
 QString OrbGlobalObject::aboutThirdParty() const
 {
     return thirdPartyNotices();
@@ -325,6 +330,11 @@ void OrbGlobalObject::invokeProcessFileSource(const QVariant &source, bool check
     QMetaObject::invokeMethod(m_mediaLoader, "processFileSource", Q_ARG(QVariant, source),
                               Q_ARG(QVariant, checkFile), Q_ARG(QVariant, kClearPlayList),
                               Q_ARG(QVariant, error));
+}
+
+QString OrbGlobalObject::typedSource(const QString &text) const
+{
+    return MediaClass::typedSource(text, m_startFolder);
 }
 
 void OrbGlobalObject::openFile(const QString &url, bool checkFile)

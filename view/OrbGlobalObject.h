@@ -106,6 +106,7 @@ public:
     Q_INVOKABLE QString getApplicationDirPath() const;
     Q_INVOKABLE QString getSoftwareName() const;
     Q_INVOKABLE QString getEnterpriseWebLink() const;
+    Q_INVOKABLE QString getDocumentationLink() const;
     Q_INVOKABLE QString aboutThirdParty() const;
 
     /// The logo that the playlist file gave for this media, else an empty URL.
@@ -118,6 +119,11 @@ public:
     /// Takes the mounting correction from the image's own description. A video, or an image that
     /// tells nothing, has none.
     Q_INVOKABLE void readMetaData(const QVariant &url);
+
+    /// The source that a user means by a typed text; empty if there is none. Relative paths start
+    /// where the program was started.
+    Q_INVOKABLE QString typedSource(const QString &text) const;
+    void setStartFolder(const QString &folder) { m_startFolder = folder; }
 
     Q_INVOKABLE void openFile(const QString &url, bool checkFile = true);
     Q_INVOKABLE void openFiles(const QList<QString> &urls, bool checkFile = true);
@@ -174,6 +180,7 @@ private:
     void invokeProcessFileSource(const QVariant &source, bool checkFile, const QString &error);
 
     QString m_videoLogMessage;
+    QString m_startFolder;
     float m_yaw = 0;
     float m_pitch = 0;
     float m_roll = 0;

@@ -23,3 +23,13 @@ void OrbLeap::setBar(QObject *bar)
 {
     m_bar = bar;
 }
+
+void OrbLeap::setAvailable(bool available)
+{
+    if (available == m_available)
+        return;
+    if (!available)
+        setActivated(false);
+    m_available = available;
+    emit availableChanged();
+}

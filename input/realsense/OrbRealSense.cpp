@@ -13,3 +13,13 @@ void OrbRealSense::setActivated(bool activated)
     m_activated = activated;
     emit activatedChanged();
 }
+
+void OrbRealSense::setAvailable(bool available)
+{
+    if (available == m_available)
+        return;
+    if (!available)
+        setActivated(false);
+    m_available = available;
+    emit availableChanged();
+}

@@ -30,6 +30,10 @@ signals:
     void activatedChanged();
     void logMessageChanged();
 
+public slots:
+    /// What the device's layer found. A device that goes is no longer in use.
+    void setAvailable(bool available);
+
 private:
     bool m_available = false;
     bool m_activated = false;

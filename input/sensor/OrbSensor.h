@@ -33,6 +33,10 @@ signals:
     void availableChanged();
     void rotationMatrixChanged();
 
+public slots:
+    /// What the device's layer found. A device that goes is no longer in use.
+    void setAvailable(bool available);
+
 private:
     QString m_logMessage;
     bool m_activated = false;

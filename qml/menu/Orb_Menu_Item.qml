@@ -8,15 +8,23 @@ Rectangle {
 
     property alias label: text.text
     property bool currentItem: false
+    property bool shown: true // what is not shown leaves no gap
 
     function action() {
         console.log("WARNING in Orb_Menu_Item : function action is not implemented by user.")
     }
 
     width: parent.width
-    height: __menuItemHeight
+    height: shown ? __menuItemHeight : 0
+    visible: shown
     color: Orb_Theme.veil
     clip: true
+
+    Accessible.role: Accessible.MenuItem
+    Accessible.name: label
+    Accessible.checkable: currentItem
+    Accessible.checked: currentItem
+    Accessible.onPressAction: action()
 
     Text {
         id: text
@@ -28,6 +36,7 @@ Rectangle {
         font.bold: true
         horizontalAlignment: Text.AlignRight
         verticalAlignment: Text.AlignVCenter
+        elide: Text.ElideRight
     }
 
     Orb_MouseArea {

@@ -8,6 +8,9 @@ Item {
 
     focus: true
 
+    Accessible.role: Accessible.Dialog
+    Accessible.name: orbView.title()
+
     Keys.onPressed: {
         event.accepted = true
         if (event.key === Qt.Key_Escape || event.key === Qt.Key_Return
@@ -45,19 +48,19 @@ Item {
 
             // The home page and the page of videos; both belong to the maker's site.
             Repeater {
-                model: [135, 315]
+                model: [{ at: 135, name: qsTr("Website") }, { at: 315, name: qsTr("Videos") }]
 
                 Orb_MouseArea {
-                    x: modelData
+                    x: modelData.at
                     y: 325
                     width: 150
                     height: 35
 
-                    onClicked: {
-                        var address = orbGlobalObject.getEnterpriseWebLink()
-                        if (address !== "")
-                            Qt.openUrlExternally(address)
-                    }
+                    Accessible.role: Accessible.Link
+                    Accessible.name: modelData.name
+                    Accessible.onPressAction: clicked(null)
+
+                    onClicked: root.openAddress(orbGlobalObject.getEnterpriseWebLink())
                 }
             }
         }

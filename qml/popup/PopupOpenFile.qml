@@ -1,6 +1,7 @@
-import QtQuick 2.0
+import QtQuick 2.1
 import QtQuick.Controls 1.1
 import QtQuick.Dialogs 1.1
+import "../theme"
 
 FocusScope {
     id: popupOpenFile
@@ -8,12 +9,16 @@ FocusScope {
     signal close()
 
     function openFile() {
-        if (textInput.text !== "")
-            orbGlobalObject.openFile(textInput.text, false)
+        var source = orbGlobalObject.typedSource(textInput.text)
+        if (source !== "")
+            orbGlobalObject.openFile(source, false)
         close()
     }
 
     focus: true
+
+    Accessible.role: Accessible.Dialog
+    Accessible.name: prompt.text
 
     Keys.onPressed: {
         event.accepted = true
@@ -33,6 +38,8 @@ FocusScope {
         color: palette.window
 
         Label {
+            id: prompt
+
             x: 10
             y: 10
             text: qsTr("Open file/stream :")
@@ -44,6 +51,7 @@ FocusScope {
             width: parent.width - 20
             height: 25
             radius: 5
+            border.color: Orb_Theme.fieldBorder
             color: "white"
 
             TextInput {
@@ -54,6 +62,10 @@ FocusScope {
                 focus: true
                 clip: true
                 selectByMouse: true
+                activeFocusOnTab: true
+
+                Accessible.role: Accessible.EditableText
+                Accessible.name: prompt.text
 
                 onAccepted: openFile()
             }

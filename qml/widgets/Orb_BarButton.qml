@@ -1,19 +1,30 @@
 import QtQuick 2.0
 import "../theme"
 
-// A button of the control bar: an image, and a line at its right end where a group ends.
+// A button of the control bar: an image or a word, and a line where a group ends.
 Item {
     id: orb_barButton
 
     property alias image: image.source
+    property alias text: text.text
     property alias separator: separator.visible
+    property bool shown: true // what is not shown leaves no gap
+    property int shownWidth: 50
+    property string name: text.text // for who cannot see the image
 
     signal pressed()
     signal clicked()
 
-    width: 50
-    height: Orb_Theme.barHeight
-    clip: true
+    width: shown ? shownWidth : 0
+    height: shown ? Orb_Theme.barHeight : 0
+    visible: shown
+
+    Accessible.role: Accessible.Button
+    Accessible.name: name
+    Accessible.onPressAction: {
+        pressed()
+        clicked()
+    }
 
     Image {
         id: image
@@ -21,14 +32,19 @@ Item {
         anchors.centerIn: parent
     }
 
-    Rectangle {
+    Text {
+        id: text
+
+        anchors.centerIn: parent
+        font.pixelSize: Orb_Theme.menuTextSize
+        font.bold: true
+        color: Orb_Theme.text
+    }
+
+    Orb_BarSeparator {
         id: separator
 
         anchors.right: parent.right
-        anchors.verticalCenter: parent.verticalCenter
-        width: 1
-        height: parent.height - 4
-        color: Orb_Theme.separator
     }
 
     Orb_MouseArea {

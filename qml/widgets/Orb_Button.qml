@@ -1,5 +1,6 @@
 import QtQuick 2.0
 
+// A small button in the colours of the scene; it acts when it is released with the mouse still on it.
 Rectangle {
     id: orb_button
 
@@ -25,6 +26,10 @@ Rectangle {
     border.width: 2
     border.color: borderColor
     color: colorDefault
+
+    Accessible.role: Accessible.Button
+    Accessible.name: labelText
+    Accessible.onPressAction: buttonReleased()
 
     onToggledChanged: color = __plainColor
 

@@ -10,6 +10,18 @@ Item {
     property real newProgression: 0.0
     property string buttonSource: "qrc:/images/button_32.png"
     property bool horizontalMode: true
+    property string name: "" // for who cannot see it
+
+    // What assistive technology asks of a slider.
+    readonly property alias value: orb_slider.progression
+    readonly property real minimumValue: 0
+    readonly property real maximumValue: 1
+    readonly property real stepSize: 0.05
+
+    Accessible.role: Accessible.Slider
+    Accessible.name: name
+    Accessible.onIncreaseAction: newProgression = Math.min(1, progression + stepSize)
+    Accessible.onDecreaseAction: newProgression = Math.max(0, progression - stepSize)
 
     function setFrom(mouse) {
         // The sensitive area reaches 8 beyond the bar on each side.

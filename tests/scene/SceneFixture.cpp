@@ -6,6 +6,7 @@
 #include "OrbTools.h"
 #include "Product.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QMessageBox>
 #include <QMimeData>
@@ -18,6 +19,7 @@
 #include <qpa/qplatformdrag.h>
 #include <qpa/qwindowsysteminterface.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -51,6 +53,57 @@ QQuickItem *findItem(QQuickItem *under, const std::function<bool(QQuickItem *)> 
     return nullptr;
 }
 
+void collectOpenLists(const QQuickItem *under, QStringList &titles)
+{
+    const QList<QQuickItem *> children = under->childItems();
+    for (const QQuickItem *child : children) {
+        if (child->state() == QLatin1String("Shown")) {
+            const QString title = child->property("title").toString();
+            titles += title.isEmpty() ? QStringLiteral("Volume") : title;
+        }
+        collectOpenLists(child, titles);
+    }
+}
+
+void collectAccessibles(QAccessibleInterface *under, QVector<QAccessibleInterface *> &found)
+{
+    if (!under || under->state().invisible)
+        return;
+    found += under;
+    for (int i = 0; i < under->childCount(); ++i)
+        collectAccessibles(under->child(i), found);
+}
+
+bool hasNameAndRole(QQuickItem *item)
+{
+    QAccessibleInterface *told = QAccessible::queryAccessibleInterface(item);
+    return told && told->role() != QAccessible::NoRole && told->role() != QAccessible::Client
+        && !told->text(QAccessible::Name).isEmpty();
+}
+
+/// Whether something with a name stands around, under or beside a place of the scene.
+bool belongsToSomething(QQuickItem *place)
+{
+    const QRectF area = place->mapRectToScene(place->boundingRect());
+    const auto isIt = [&area](QQuickItem *item) {
+        return hasNameAndRole(item) && item->mapRectToScene(item->boundingRect()).intersects(area);
+    };
+    const QList<QQuickItem *> beside = place->parentItem()->childItems();
+    return isIt(place->parentItem()) || std::any_of(beside.cbegin(), beside.cend(), isIt);
+}
+
+void collectHotPlaces(const QQuickItem *under, QVector<QQuickItem *> &found)
+{
+    const QList<QQuickItem *> children = under->childItems();
+    for (QQuickItem *child : children) {
+        if (!isShown(child))
+            continue;
+        if (child->inherits("QQuickMouseArea") && child->cursor().shape() == Qt::PointingHandCursor)
+            found += child;
+        collectHotPlaces(child, found);
+    }
+}
+
 } // namespace
 
 SceneFixture::SceneFixture()
@@ -70,6 +123,8 @@ int SceneFixture::run(int argc, char **argv, const QStringList &arguments,
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_configuration.path());
     m_settings = std::make_unique<OrbSettingsManager>(Product::organisation(),
                                                       Product::softwareName());
+    // Nobody is asked for a newer version unless a test wants it.
+    m_settings->write(QStringLiteral("general/last_update_check"), QDateTime::currentDateTime());
     for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting)
         m_settings->write(setting.key(), setting.value());
     const QString backend = qEnvironmentVariable("TEST_BACKEND");
@@ -149,6 +204,7 @@ void SceneFixture::resetScene()
     leaveWindow();
     if (!window()->fullScreen())
         window()->resize(kWindowSize);
+    QTRY_COMPARE(window()->rootObject()->size().toSize(), window()->size());
 
     picture()->setProjection(OrbShaderCodeBuilder::RECTILINEAR);
     picture()->setEffect(OrbShaderCodeBuilder::NO_EFFECT);
@@ -207,6 +263,12 @@ QQuickItem *SceneFixture::itemReading(const QString &text) const
         [&text](QQuickItem *candidate) { return candidate->property("text").toString() == text; });
 }
 
+bool SceneFixture::isFullSize(const QString &text) const
+{
+    const QQuickItem *label = itemReading(text);
+    return label && qFuzzyCompare(label->mapRectToScene({0, 0, 1, 1}).width(), 1);
+}
+
 QQuickItem *SceneFixture::imageItem(const QString &name) const
 {
     const QUrl source(QStringLiteral("qrc:/images/") + name);
@@ -215,7 +277,58 @@ QQuickItem *SceneFixture::imageItem(const QString &name) const
     });
 }
 
+bool SceneFixture::barIsUp() const
+{
+    return bar()->mapToScene({0, bar()->height()}).y() == window()->height();
+}
+
+QStringList SceneFixture::openLists() const
+{
+    QStringList titles;
+    collectOpenLists(bar(), titles);
+    return titles;
+}
+
+// --- what assistive technology is told ---
+
+QVector<QAccessibleInterface *> SceneFixture::accessibles() const
+{
+    QVector<QAccessibleInterface *> found;
+    collectAccessibles(QAccessible::queryAccessibleInterface(window()), found);
+    return found;
+}
+
+QQuickItem *SceneFixture::control(const QString &name, QAccessible::Role role) const
+{
+    const QVector<QAccessibleInterface *> all = accessibles();
+    for (QAccessibleInterface *one : all) {
+        if (one->role() == role && one->text(QAccessible::Name) == name)
+            return qobject_cast<QQuickItem *>(one->object());
+    }
+    return nullptr;
+}
+
+QStringList SceneFixture::namelessHotPlaces() const
+{
+    QVector<QQuickItem *> places;
+    collectHotPlaces(window()->rootObject(), places);
+    QStringList found;
+    for (QQuickItem *place : qAsConst(places)) {
+        // The ground of the bar only keeps it awake.
+        if (place->size() != bar()->size() && !belongsToSomething(place))
+            found += QString::fromLatin1(place->parentItem()->metaObject()->className());
+    }
+    return found;
+}
+
 // --- what a user does ---
+
+void SceneFixture::showBar()
+{
+    moveTo(middle() + QPoint(-200, 0));
+    QTRY_VERIFY(barIsUp());
+    moveTo({middle().x(), window()->height() - 20});
+}
 
 void SceneFixture::key(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {

@@ -6,6 +6,7 @@
 #include "TestMedia.h"
 #include "WarningsFail.h"
 
+#include <QAccessible>
 #include <QColor>
 #include <QImage>
 #include <QMediaPlayer>
@@ -61,10 +62,32 @@ protected:
     QQuickItem *item(const std::function<bool(QQuickItem *)> &matches) const;
     bool reads(const QString &text) const { return itemReading(text) != nullptr; }
 
+    /// Whether the panel that reads `text` has swung in.
+    bool isFullSize(const QString &text) const;
+
     /// The uppermost visible image of the program's own resources, by its path below "images".
     QQuickItem *imageItem(const QString &name) const;
 
+    QQuickItem *bar() const { return scene(QStringLiteral("orb_bar")).value<QQuickItem *>(); }
+    bool barIsUp() const; ///< all of it in view
+
+    /// Titles of the bar's lists that are open, "Volume" for the volume's panel.
+    QStringList openLists() const;
+
+    // --- what assistive technology is told ---
+    /// Everything in the window that it sees, from its tree.
+    QVector<QAccessibleInterface *> accessibles() const;
+
+    /// The item of that name and role, or null.
+    QQuickItem *control(const QString &name, QAccessible::Role role = QAccessible::Button) const;
+
+    /// Where the pointing hand shows over nothing that has a name and a role: the kinds of items
+    /// that such places stand in.
+    QStringList namelessHotPlaces() const;
+
     // --- what a user does ---
+    /// Brings the bar into view, with the pointer on it, which keeps it there.
+    void showBar();
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
     void type(const QString &text);
     void clickAt(const QPoint &point);

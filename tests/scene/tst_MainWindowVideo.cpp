@@ -38,6 +38,10 @@ private slots:
     void arrowsJumpInTimeAndShowThePosition_data();
     void arrowsJumpInTimeAndShowThePosition();
     void theBarPlaysPausesAndSeeks();
+    void theTimelineFollowsADragAndStopsAtItsEnds();
+    void theSliderSetsTheVolume_data();
+    void theSliderSetsTheVolume();
+    void assistiveTechnologyMovesTheSliders();
     void aPictureEndsTheFilmAndAnotherFilmThePicture();
     void aFilmInAPlaylistGoesOnToTheNextEntry();
 };
@@ -77,6 +81,10 @@ void tst_MainWindowVideo::init()
 {
     SceneFixture::init();
     QVERIFY2(!media.film().isEmpty(), "the encoder failed");
+    // The state of the film before must not be taken for that of this one.
+    QVERIFY(dropFiles({media.octants()}));
+    QTRY_VERIFY(scene(QStringLiteral("orb_mediaLoader.children[0].playbackState")).toInt()
+                != QMediaPlayer::PlayingState);
     openFilm();
 }
 
@@ -165,8 +173,8 @@ void tst_MainWindowVideo::arrowsJumpInTimeAndShowThePosition()
 
 void tst_MainWindowVideo::theBarPlaysPausesAndSeeks()
 {
-    moveTo(middle());
-    QTRY_COMPARE(scene(QStringLiteral("orb_bar.y + orb_bar.height - root.height")).toReal(), 0.);
+    showBar();
+    QTRY_VERIFY(control(QStringLiteral("Duration 00:02"), QAccessible::StaticText));
     clickOn(imageItem(QStringLiteral("newui/pause_mini_button.png")));
     QTRY_VERIFY(!plays());
     QVERIFY(!imageItem(QStringLiteral("newui/pause_mini_button.png")));
@@ -187,6 +195,103 @@ void tst_MainWindowVideo::theBarPlaysPausesAndSeeks()
 
     clickOn(imageItem(QStringLiteral("newui/play_mini_button.png")));
     QTRY_VERIFY(plays());
+}
+
+void tst_MainWindowVideo::theTimelineFollowsADragAndStopsAtItsEnds()
+{
+    showBar();
+    key(Qt::Key_Space);
+    QTRY_COMPARE(playbackState(), int(QMediaPlayer::PausedState));
+    QQuickItem *timeline = control(QStringLiteral("Timeline"), QAccessible::Slider);
+    const auto at = [timeline](qreal share) {
+        return timeline->mapToScene({timeline->width() * share, 4}).toPoint();
+    };
+    QTest::mousePress(window(), Qt::LeftButton, Qt::NoModifier, at(0.5));
+    QVERIFY(comesTo(kFilmMs / 2));
+    for (const qreal share : {0.3, 0.1, 0.6}) {
+        moveTo(at(share));
+        QVERIFY(comesTo(qRound(kFilmMs * share)));
+        const QString text = QStringLiteral("Position 00:0%1").arg(qRound(kFilmMs * share / 1000));
+        QVERIFY(control(text, QAccessible::StaticText));
+    }
+    moveTo(at(-0.2));
+    QCOMPARE(timeline->property("newProgression").toReal(), 0.);
+    QVERIFY(comesTo(0));
+    moveTo(at(1.2));
+    QCOMPARE(timeline->property("newProgression").toReal(), 1.);
+    moveTo(at(0.25));
+    QVERIFY(comesTo(kFilmMs / 4));
+    QTest::mouseRelease(window(), Qt::LeftButton, Qt::NoModifier, at(0.25));
+}
+
+void tst_MainWindowVideo::theSliderSetsTheVolume_data()
+{
+    QTest::addColumn<qreal>("share"); // of the slider's height
+    QTest::addColumn<qreal>("volume");
+    QTest::addColumn<int>("level");
+
+    QTest::newRow("silent") << 0. << 0. << 0;
+    QTest::newRow("soft") << 0.25 << 0.25 << 1;
+    QTest::newRow("half") << 0.5 << 0.5 << 2;
+    QTest::newRow("loud") << 0.9 << 0.9 << 2;
+    QTest::newRow("full") << 1. << 1. << 3;
+    QTest::newRow("under the slider") << -0.2 << 0. << 0;
+    QTest::newRow("over the slider") << 1.2 << 1. << 3;
+}
+
+void tst_MainWindowVideo::theSliderSetsTheVolume()
+{
+    constexpr qreal kStep = 1 / 130.; // a pixel of the slider
+    QFETCH(qreal, share);
+    QFETCH(qreal, volume);
+    QFETCH(int, level);
+    showBar();
+    scene(QStringLiteral("orb_mediaLoader.mediaPlayer.volume = 0.7"));
+    clickOn(control(QStringLiteral("Volume")));
+    QQuickItem *slider = control(QStringLiteral("Volume"), QAccessible::Slider);
+    QVERIFY(slider);
+    QTRY_COMPARE(slider->mapToScene({0, slider->height()}).y(), bar()->y() - 10);
+    const auto at = [slider](qreal part) {
+        return slider->mapToScene({4, slider->height() * (1 - part)}).toPoint();
+    };
+    drag(at(0.7), at(share) - at(0.7));
+    QTRY_VERIFY(qAbs(player(QStringLiteral("volume")).toReal() - volume) <= kStep);
+    QTRY_VERIFY(imageItem(QStringLiteral("newui/sound_%1_mini_button.png").arg(level)));
+    QTRY_VERIFY(qAbs(slider->property("progression").toReal() - volume) <= kStep);
+    const QColor red(255, 64, 18);
+    // A quarter in from either end of what is filled and what is not.
+    QTRY_VERIFY(volume < 0.1 || shows(red, at(volume / 4)));
+    QTRY_VERIFY(volume > 0.95 || shows(Qt::white, at(1 - (1 - volume) / 2)));
+    keepPicture(QStringLiteral("volume-%1").arg(level));
+}
+
+void tst_MainWindowVideo::assistiveTechnologyMovesTheSliders()
+{
+    constexpr qreal kStep = 0.05;
+    showBar();
+    key(Qt::Key_Space);
+    QTRY_COMPARE(playbackState(), int(QMediaPlayer::PausedState));
+    seekAndWait(kFilmMs / 2);
+    scene(QStringLiteral("orb_mediaLoader.mediaPlayer.volume = 0.5"));
+    clickOn(control(QStringLiteral("Volume")));
+    for (const char *name : {"Timeline", "Volume"}) {
+        QAccessibleInterface *slider = QAccessible::queryAccessibleInterface(
+            control(QLatin1String(name), QAccessible::Slider));
+        QAccessibleValueInterface *value = slider->valueInterface();
+        const auto comesToShare = [value](qreal share) {
+            const qreal tolerance = qreal(kFrameMs) / kFilmMs;
+            return QTest::qWaitFor(
+                [=] { return qAbs(value->currentValue().toReal() - share) <= tolerance; },
+                kPatienceMs);
+        };
+        QCOMPARE(value->minimumValue().toReal(), 0.);
+        QCOMPARE(value->maximumValue().toReal(), 1.);
+        QVERIFY(comesToShare(0.5));
+        slider->actionInterface()->doAction(QAccessibleActionInterface::increaseAction());
+        QVERIFY(comesToShare(0.5 + kStep));
+        slider->actionInterface()->doAction(QAccessibleActionInterface::decreaseAction());
+        QVERIFY(comesToShare(0.5));
+    }
 }
 
 void tst_MainWindowVideo::aPictureEndsTheFilmAndAnotherFilmThePicture()
