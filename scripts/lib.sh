@@ -70,7 +70,8 @@ run_build() (
 )
 
 # with_display COMMAND…: runs it (a program or a function) under an X server of its own and returns
-# its status. Whatever it started ends with it, also on a signal.
+# its status. Whatever it started ends with it, also on a signal. The screen has the size
+# display_size, else 1280x720.
 with_display() {
     local number status=0
     display_job='' display_server='' display_log=$(mktemp)
@@ -80,7 +81,7 @@ with_display() {
 
     set -m # a process group for each job
     coproc exec setpriv --pdeathsig TERM \
-        Xvfb -displayfd 1 -screen 0 1280x720x24 -nolisten tcp 2>"$display_log"
+        Xvfb -displayfd 1 -screen 0 "${display_size:-1280x720}x24" -nolisten tcp 2>"$display_log"
     display_server=$COPROC_PID
     if ! read -r -t 30 number <&"${COPROC[0]}"; then
         cat "$display_log" >&2

@@ -1,5 +1,6 @@
 #include "Driver.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDir>
 #include <QJsonArray>
@@ -66,6 +67,38 @@ Texts shownTexts()
             texts.all.append(text);
     }
     return texts;
+}
+
+/// What assistive technology finds by this name under an object and can be seen, or null.
+QAccessibleInterface *findNamed(const QAccessibleInterface *under, const QString &name)
+{
+    for (int i = 0; i < under->childCount(); ++i) {
+        QAccessibleInterface *child = under->child(i);
+        if (!child || child->state().invisible)
+            continue;
+        if (child->text(QAccessible::Name) == name)
+            return child;
+        if (QAccessibleInterface *found = findNamed(child, name))
+            return found;
+    }
+    return nullptr;
+}
+
+/// The middle of what has this name, on the screen; empty if nothing has it.
+QJsonObject placeOf(const QString &name)
+{
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    for (QWindow *window : windows) {
+        QAccessibleInterface *root = window->isVisible()
+            ? QAccessible::queryAccessibleInterface(window)
+            : nullptr;
+        const QAccessibleInterface *found = root ? findNamed(root, name) : nullptr;
+        if (found) {
+            const QPoint middle = found->rect().center();
+            return {{QStringLiteral("x"), middle.x()}, {QStringLiteral("y"), middle.y()}};
+        }
+    }
+    return {};
 }
 
 } // namespace
@@ -142,14 +175,22 @@ void Driver::obey(const QByteArray &command)
         end(command.mid(5).toInt());
     } else if (command.startsWith("open ")) {
         open(QString::fromUtf8(command.mid(5)));
+    } else if (command == "close" && m_window) {
+        m_window->close();
+    } else if (command.startsWith("find ")) {
+        answer(placeOf(QString::fromUtf8(command.mid(5))));
     } else if (command == "state") {
-        const QByteArray answer = line(state());
-        if (write(STDOUT_FILENO, answer.constData(), static_cast<size_t>(answer.size()))
-            != answer.size())
-            qFatal("The driver cannot answer");
+        answer(state());
     } else {
         qFatal("The driver does not know the command %s", command.constData());
     }
+}
+
+void Driver::answer(const QJsonObject &object)
+{
+    const QByteArray text = line(object);
+    if (write(STDOUT_FILENO, text.constData(), static_cast<size_t>(text.size())) != text.size())
+        qFatal("The driver cannot answer");
 }
 
 void Driver::open(const QString &text)

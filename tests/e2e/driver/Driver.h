@@ -17,7 +17,9 @@
 /// list of numbers with commas, the first process to write into the log ends with the first number
 /// as soon as a frame was shown, the next one with the second. Else it obeys the lines of standard
 /// input: "state" answers with a JSON object on a line of standard output, "open TEXT" opens a file
-/// or an address as the dialog for it does, "exit N" ends the event loop with N.
+/// or an address as the dialog for it does, "find NAME" answers where on the screen the middle of
+/// what has this accessible name is, "close" closes the window that is shown, and "exit N" ends the
+/// event loop with N.
 ///
 /// Main thread.
 class Driver : public QObject
@@ -34,6 +36,7 @@ private:
     void onFrameShown();
     void readCommands();
     void obey(const QByteArray &command);
+    static void answer(const QJsonObject &object);
     void open(const QString &text);
     void end(int exitCode);
     QJsonObject state() const;
