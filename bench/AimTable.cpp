@@ -1,6 +1,7 @@
 #include "AimTable.h"
 
-#include <algorithm>
+#include "Median.h"
+
 #include <cstdio>
 
 namespace {
@@ -10,79 +11,64 @@ QString key(const QString &measure, const QString &subject)
     return measure + QLatin1Char('/') + subject;
 }
 
-double median(QVector<double> values)
+void printCells(const QString (&cells)[8])
 {
-    std::sort(values.begin(), values.end());
-    const int middle = values.size() / 2;
-    return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
-}
-
-QString valueText(double value, const char *unit)
-{
-    return QString::number(value, 'f', 2) + QLatin1Char(' ') + QLatin1String(unit);
-}
-
-void printCells(const QStringList &cells)
-{
-    std::printf("%-38s %-13s %12s   %-11s %12s %7s %8s  %s\n", qPrintable(cells[0]),
-                qPrintable(cells[1]), qPrintable(cells[2]), qPrintable(cells[3]),
-                qPrintable(cells[4]), qPrintable(cells[5]), qPrintable(cells[6]),
-                qPrintable(cells[7]));
+    constexpr int kWidths[] = {-38, -13, 12, -14, 12, 7, 8, 0};
+    QString line;
+    for (int i = 0; i < 8; ++i)
+        line += QStringLiteral("%1 ").arg(cells[i], kWidths[i]);
+    std::printf("%s\n", qPrintable(line));
 }
 
 } // namespace
 
 void AimTable::add(const QString &measure, const QString &subject, double value)
 {
-    m_values[key(measure, subject)].append(value);
+    m_values[key(measure, subject)].push_back(value);
 }
 
-void AimTable::fail(const QString &measure, const QString &subject, const QString &reason)
+std::optional<double> AimTable::value(const QString &measure, const QString &subject) const
 {
-    m_failures[key(measure, subject)] = subject + QStringLiteral(": ") + reason;
+    const auto values = m_values.value(key(measure, subject));
+    return values.empty() ? std::nullopt : std::optional<double>(median(values));
 }
 
 void AimTable::printHead()
 {
-    printCells({QStringLiteral("measure"),
-                QStringLiteral("of"),
-                QStringLiteral("median"),
-                QStringLiteral("against"),
-                QStringLiteral("median"),
-                QStringLiteral("ratio"),
-                QStringLiteral("aim"),
-                {}});
+    printCells({QStringLiteral("measure"), QStringLiteral("of"), QStringLiteral("median"),
+                QStringLiteral("  against"), QStringLiteral("median"), QStringLiteral("ratio"),
+                QStringLiteral("aim"), QString()});
 }
 
 void AimTable::printRow(const QString &measure, const char *unit, const QString &subject,
                         const QString &peer, const Aim &aim)
 {
-    const auto values = m_values.value(key(measure, subject));
-    const auto peerValues = m_values.value(key(measure, peer));
-    const QString aimText = aim.side == Aim::None
-        ? QString()
-        : QStringLiteral("%1 %2")
-              .arg(QLatin1String(aim.side == Aim::AtMost ? "<=" : ">="))
-              .arg(aim.value, 0, 'f', 2);
-    QStringList cells{measure, subject, {}, peer, {}, {}, aimText, {}};
-    if (!values.isEmpty())
-        cells[2] = valueText(median(values), unit);
-    if (!peerValues.isEmpty())
-        cells[4] = valueText(median(peerValues), unit);
-    if (!values.isEmpty() && (peer.isEmpty() || !peerValues.isEmpty())) {
-        const double ratio = peer.isEmpty() ? median(values) : median(values) / median(peerValues);
-        if (!peer.isEmpty())
-            cells[5] = QString::number(ratio, 'f', 2);
+    const std::optional<double> own = value(measure, subject);
+    const std::optional<double> other = value(measure, peer);
+    QString ratioText;
+    QString verdict;
+    if (own && (other || peer.isEmpty())) {
+        const double ratio = *own / other.value_or(1);
+        if (other)
+            ratioText = QString::asprintf("%.2f", ratio);
         const bool missed = (aim.side == Aim::AtMost && ratio > aim.value)
             || (aim.side == Aim::AtLeast && ratio < aim.value);
-        cells[7] = QLatin1String(missed ? "MISSED" : aim.side == Aim::None ? "" : "met");
+        verdict = QLatin1String(missed ? "MISSED" : aim.side == Aim::None ? "" : "met");
     } else {
         m_complete = false;
-        cells[7] = QStringLiteral("FAILED ");
+        verdict = QStringLiteral("FAILED");
     }
     for (const QString &who : {subject, peer}) {
-        if (m_failures.contains(key(measure, who)))
-            cells[7] += QStringLiteral(" [%1]").arg(m_failures.value(key(measure, who)));
+        if (m_failures.contains(who))
+            verdict += QStringLiteral(" [%1: %2]").arg(who, m_failures.value(who));
     }
-    printCells(cells);
+    const auto text = [unit](const std::optional<double> &value) {
+        return value ? QString::asprintf("%.2f %s", *value, unit) : QString();
+    };
+    const QString aimText = aim.side == Aim::None
+        ? QString()
+        : QString::asprintf("%s %.2f", aim.side == Aim::AtMost ? "<=" : ">=", aim.value);
+    const QString media = m_media.isEmpty() ? QString() : QStringLiteral(", ") + m_media;
+    printCells({measure + media, subject, text(own), QStringLiteral("  ") + peer, text(other),
+                ratioText, aimText, verdict});
 }

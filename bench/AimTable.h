@@ -2,8 +2,9 @@
 
 #include <QMap>
 #include <QString>
-#include <QStringList>
-#include <QVector>
+
+#include <optional>
+#include <vector>
 
 /// Collects what was measured, several times each, and prints medians beside those of a peer, with
 /// their ratio and what it should be.
@@ -17,17 +18,21 @@ public:
         double value = 0;
     };
 
+    /// `media` is added to the names of all measures; it may be empty.
+    explicit AimTable(const QString &media = {})
+        : m_media(media)
+    {}
+
     /// A value of `subject`, which is a player, a way or a state.
     void add(const QString &measure, const QString &subject, double value);
 
-    /// A value that could not be had, and why.
-    void fail(const QString &measure, const QString &subject, const QString &reason);
+    /// Values of `subject` could not be had, and why.
+    void fail(const QString &subject, const QString &reason) { m_failures[subject] = reason; }
 
     static void printHead();
 
     /// Prints a row with the median of `subject` against that of `peer`, which may be empty. What
-    /// misses its aim says so, and what failed says why. The measures of a row are called
-    /// `measure` and have `unit`.
+    /// misses its aim says so, and what failed says why. The values have `unit`.
     void printRow(const QString &measure, const char *unit, const QString &subject,
                   const QString &peer, const Aim &aim);
 
@@ -35,7 +40,10 @@ public:
     bool isComplete() const { return m_complete; }
 
 private:
-    QMap<QString, QVector<double>> m_values; ///< by measure and subject
-    QMap<QString, QString> m_failures;
+    std::optional<double> value(const QString &measure, const QString &subject) const;
+
+    QString m_media;
+    QMap<QString, std::vector<double>> m_values; ///< by measure and subject
+    QMap<QString, QString> m_failures;           ///< by subject
     bool m_complete = true;
 };

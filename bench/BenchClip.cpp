@@ -1,17 +1,14 @@
 #include "BenchClip.h"
 
+#include "ClipWriter.h"
 #include "FrameCode.h"
-#include "SphericalBox.h"
 
 #include <QFile>
-#include <QImage>
-#include <QProcess>
 #include <QSaveFile>
 #include <QTemporaryDir>
+#include <QtEndian>
 
 namespace {
-
-constexpr int kDeadlineMs = 600000;
 
 /// Where the number stands, in a frame of this size: with a dark rim, so that nothing bright
 /// touches it, and on even pixels, as the chroma needs.
@@ -23,7 +20,8 @@ QRect codeArea(const QSize &size)
             2 * halfHeight};
 }
 
-QStringList arguments(const QString &path, const QSize &size, const QString &panorama)
+/// What went wrong; empty if nothing did.
+QString encode(const QString &path, const QSize &size, const QString &panorama)
 {
     const QRect area = codeArea(size);
     const int megabits = size.width() >= 3840 ? 40 : 12;
@@ -44,33 +42,45 @@ QStringList arguments(const QString &path, const QSize &size, const QString &pan
             .arg(area.top())
             .arg(megabits)
             .split(QLatin1Char(' '));
-    return QStringList{QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y"),
-                       QStringLiteral("-i"), panorama}
-        + options
-        << path;
-}
-
-/// What went wrong; empty if nothing did.
-QString encode(const QString &path, const QSize &size, const QString &panorama)
-{
-    QProcess ffmpeg;
-    ffmpeg.start(QStringLiteral("ffmpeg"), arguments(path, size, panorama));
     QImage frame(size, QImage::Format_RGB32);
     frame.fill(Qt::black);
-    for (int i = 0; i < BenchClip::kFrames && ffmpeg.state() != QProcess::NotRunning; ++i) {
-        FrameCode::draw(frame, i);
-        const QImage code = frame.copy(codeArea(size));
-        ffmpeg.write(reinterpret_cast<const char *>(code.constBits()), code.sizeInBytes());
-        while (ffmpeg.bytesToWrite() > 0 && ffmpeg.waitForBytesWritten(kDeadlineMs)) {
-        }
-    }
-    ffmpeg.closeWriteChannel();
-    ffmpeg.waitForFinished(kDeadlineMs);
-    if (ffmpeg.error() == QProcess::FailedToStart || ffmpeg.error() == QProcess::Timedout)
-        return ffmpeg.errorString();
-    if (ffmpeg.exitStatus() == QProcess::NormalExit && ffmpeg.exitCode() == 0)
-        return {};
-    return QString::fromLocal8Bit(ffmpeg.readAllStandardError());
+    return ClipWriter::encode(QStringList{QStringLiteral("-i"), panorama} + options << path,
+                              BenchClip::kFrames, [&](int i) {
+                                  FrameCode::draw(frame, i);
+                                  return frame.copy(area);
+                              });
+}
+
+/// Says in a new file of ffmpeg's that its video is a whole sphere in the equirectangular
+/// projection: its track gets a `uuid` box with the metadata of Spherical Video V1
+/// (https://github.com/google/spatial-media/blob/master/docs/spherical-video-rfc.md). ffmpeg writes
+/// the index, `moov` with its one `trak`, behind the frames, whose offsets therefore stay (ISO/IEC
+/// 14496-12). False if the file is not so.
+bool addSphericalBox(QByteArray &mp4)
+{
+    constexpr char kUuid[] = "\xff\xcc\x82\x63\xf8\x55\x4a\x93\x88\x14\x58\x7a\x02\x52\x1f\xdd";
+    constexpr char kMetadata[] =
+        "<?xml version=\"1.0\"?><rdf:SphericalVideo"
+        " xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\""
+        " xmlns:GSpherical=\"http://ns.google.com/videos/1.0/spherical/\">"
+        "<GSpherical:Spherical>true</GSpherical:Spherical>"
+        "<GSpherical:Stitched>true</GSpherical:Stitched>"
+        "<GSpherical:StitchingSoftware>bench-play</GSpherical:StitchingSoftware>"
+        "<GSpherical:ProjectionType>equirectangular</GSpherical:ProjectionType>"
+        "</rdf:SphericalVideo>";
+    const auto length = [&mp4](int box) { return qFromBigEndian<int>(mp4.constData() + box); };
+    const int movie = mp4.lastIndexOf("moov") - 4;
+    if (movie < 0 || movie + length(movie) != mp4.size())
+        return false;
+    const int track = mp4.indexOf("trak", movie) - 4;
+    if (track < 0)
+        return false;
+    QByteArray box = QByteArray(4, '\0') + "uuid" + kUuid + kMetadata;
+    qToBigEndian(box.size(), box.data());
+    mp4.insert(track + length(track), box);
+    for (const int grown : {movie, track})
+        qToBigEndian(length(grown) + box.size(), mp4.data() + grown);
+    return true;
 }
 
 } // namespace
@@ -87,12 +97,11 @@ QString BenchClip::path(const QString &folder, const QSize &size, const QString 
     *failure = encode(plain.fileName(), size, panorama);
     if (!failure->isEmpty())
         return {};
-    const auto spherical = plain.open(QFile::ReadOnly) ? withSphericalBox(plain.readAll())
-                                                       : std::nullopt;
+    QByteArray mp4 = plain.open(QFile::ReadOnly) ? plain.readAll() : QByteArray();
     QSaveFile file(name);
-    if (spherical && file.open(QFile::WriteOnly) && file.write(*spherical) == spherical->size()
+    if (addSphericalBox(mp4) && file.open(QFile::WriteOnly) && file.write(mp4) == mp4.size()
         && file.commit())
         return name;
-    *failure = spherical ? file.errorString() : QStringLiteral("ffmpeg wrote no sound MP4 file");
+    *failure = QStringLiteral("no MP4 file as expected, or no room for it in ") + folder;
     return {};
 }

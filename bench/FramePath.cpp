@@ -33,13 +33,6 @@ double cpuSeconds(__rusage_who who)
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-FramePath::Cost cost(double seconds, int frames)
-{
-    if (frames == 0)
-        return {0, QStringLiteral("no frame was decoded")};
-    return {seconds / frames, {}};
-}
-
 struct Discard
 {
     std::vector<uchar> memory;
@@ -59,7 +52,7 @@ void countFrame(void *opaque, void *, void *const *)
 
 } // namespace
 
-FramePath::Cost FramePath::ofItem(const QString &clip)
+double FramePath::ofItem(const QString &clip)
 {
     QQuickView window;
     window.resize(64, 64);
@@ -86,17 +79,15 @@ FramePath::Cost FramePath::ofItem(const QString &clip)
     });
     QTimer::singleShot(kDeadlineMs, &loop, &QEventLoop::quit);
     loop.exec();
-    if (item.textureId() == 0)
-        return {0, QStringLiteral("no frame became a texture")};
-    return cost(after - before, frames);
+    return item.textureId() == 0 || frames == 0 ? 0 : (after - before) / frames;
 }
 
-FramePath::Cost FramePath::ofLibVlc(const QString &clip, const QSize &size)
+double FramePath::ofLibVlc(const QString &clip, const QSize &size)
 {
     libvlc_media_t *media = libvlc_media_new_path(vlcInstance(), clip.toLocal8Bit());
     libvlc_media_player_t *player = media ? libvlc_media_player_new_from_media(media) : nullptr;
     if (!player)
-        return {0, QStringLiteral("libVLC does not start")};
+        return 0;
     Discard discard;
     discard.memory.resize(size_t(size.width()) * size_t(size.height()) * 4);
     libvlc_video_set_callbacks(player, lockMemory, countFrame, nullptr, &discard);
@@ -107,22 +98,20 @@ FramePath::Cost FramePath::ofLibVlc(const QString &clip, const QSize &size)
     const double before = cpuSeconds(RUSAGE_SELF);
     const int framesBefore = discard.frames;
     QThread::sleep(kSeconds);
-    const Cost made = cost(cpuSeconds(RUSAGE_SELF) - before, discard.frames - framesBefore);
+    const double seconds = cpuSeconds(RUSAGE_SELF) - before;
+    const int frames = discard.frames - framesBefore;
     libvlc_media_player_stop(player);
     libvlc_media_player_release(player);
     libvlc_media_release(media);
-    return made;
+    return frames == 0 ? 0 : seconds / frames;
 }
 
-FramePath::Cost FramePath::ofFfmpeg(const QString &clip)
+double FramePath::ofFfmpeg(const QString &clip)
 {
     const double before = cpuSeconds(RUSAGE_CHILDREN);
-    const auto words = [](const QString &text) { return text.split(QLatin1Char(' ')); };
-    const int status = QProcess::execute(
-        QStringLiteral("ffmpeg"),
-        words(QStringLiteral("-v error -nostdin -threads 2 -t %1 -i").arg(kSeconds))
-            << clip << words(QStringLiteral("-f null -")));
-    if (status != 0)
-        return {0, QStringLiteral("ffmpeg failed")};
-    return cost(cpuSeconds(RUSAGE_CHILDREN) - before, kSeconds * BenchClip::kFramesPerSecond);
+    const QString line = QStringLiteral("-v error -nostdin -threads 2 -t %1 -i %2 -f null -");
+    const int status = QProcess::execute(QStringLiteral("ffmpeg"),
+                                         line.arg(kSeconds).arg(clip).split(QLatin1Char(' ')));
+    const double seconds = cpuSeconds(RUSAGE_CHILDREN) - before;
+    return status == 0 ? seconds / (kSeconds * BenchClip::kFramesPerSecond) : 0;
 }

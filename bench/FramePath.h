@@ -3,23 +3,17 @@
 #include <QSize>
 #include <QString>
 
-/// What it costs to bring the frames of a video up to where they can be drawn.
+/// What it costs to bring the frames of a video up to where they can be drawn: seconds of the
+/// processors a decoded frame, 0 if none was decoded.
 namespace FramePath {
 
-/// Of a decoded frame.
-struct Cost
-{
-    double cpuSeconds = 0; ///< 0 if it could not be measured
-    QString failure;       ///< why not
-};
-
 /// The player's own item in a small window that has nothing else to draw. Runs an event loop.
-Cost ofItem(const QString &clip);
+double ofItem(const QString &clip);
 
 /// libVLC into one block of memory, over and over.
-Cost ofLibVlc(const QString &clip, const QSize &size);
+double ofLibVlc(const QString &clip, const QSize &size);
 
 /// ffmpeg with two threads, which drops the frames.
-Cost ofFfmpeg(const QString &clip);
+double ofFfmpeg(const QString &clip);
 
 } // namespace FramePath

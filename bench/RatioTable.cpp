@@ -1,5 +1,7 @@
 #include "RatioTable.h"
 
+#include "Median.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -18,13 +20,6 @@ struct Result
     std::vector<double> times; ///< seconds
     int64_t place = 0;         ///< in the order of registration
 };
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    const std::size_t middle = values.size() / 2;
-    return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
-}
 
 std::string timeText(double seconds)
 {

@@ -5,36 +5,20 @@
 
 #include <QDir>
 
-#include <pwd.h>
 #include <unistd.h>
-#include <cmath>
 
 namespace {
 
 constexpr int kRemoteMs = 3000;
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kFovDeg = 90;  // of the player's first start, over the smaller side
-constexpr int kTimelineY = 578; // an edge of the timeline, beside its button's broadest part
-constexpr int kLeastRun = 30;   // pixels of one colour in a row, more than any letter has
+constexpr int kVlcZoomPresses = 25; // from VLC's 80 degrees over the width, 1.5 each, to about 118
+constexpr int kTimelineY = 578;     // an edge of the timeline, beside its button's broadest part
+constexpr int kLeastRun = 30;       // pixels of one colour in a row, more than any letter has
+constexpr uid_t kNobody = 65534;
 
-double widthFovDeg()
-{
-    const double ratio = double(Screen::kSize.width()) / Screen::kSize.height();
-    return 2 * std::atan(std::tan(kFovDeg * kPi / 360) * ratio) * 180 / kPi;
-}
-
-QString program(RunningPlayer::Kind kind)
-{
-    return QStringList{QStringLiteral(PLAYER), QStringLiteral("vlc"), QStringLiteral("mpv"),
-                       QStringLiteral("mpv")}
-        .at(kind);
-}
-
-// VLC starts with 80 degrees over the width; one press of its key adds 1.5.
-int vlcZoomPresses()
-{
-    return int(std::lround((widthFovDeg() - 80) / 1.5));
-}
+// 90 degrees over the height of the screen are 2 atan(1000 / 600) over its width.
+constexpr char kMpvArguments[] =
+    "--no-config --fs --no-osc --gpu-sw=yes --vo=%2 --input-ipc-server=%1 "
+    "--vf=lavfi=[v360=input=equirect:output=flat:w=1000:h=600:h_fov=118.07:v_fov=90]";
 
 } // namespace
 
@@ -71,57 +55,29 @@ RunningPlayer::~RunningPlayer()
         m_screen->removeWindow(m_window);
 }
 
-/// VLC refuses to run as root: then the command runs as "nobody", who gets its folders.
-bool RunningPlayer::makeOrdinaryUser(QStringList &command) const
-{
-    if (::geteuid() != 0)
-        return true;
-    const passwd *nobody = ::getpwnam("nobody");
-    if (!nobody)
-        return false;
-    for (const QString &folder : {m_home.path(), m_cache}) {
-        if (::chown(folder.toLocal8Bit(), nobody->pw_uid, nobody->pw_gid) != 0)
-            return false;
-    }
-    command = QStringLiteral("setpriv --reuid=%1 --regid=%2 --clear-groups")
-                  .arg(nobody->pw_uid)
-                  .arg(nobody->pw_gid)
-                  .split(QLatin1Char(' '))
-        + command;
-    return true;
-}
-
 bool RunningPlayer::start(const QString &media)
 {
     const QString remote = m_home.filePath(QStringLiteral("remote"));
-    QString line;
-    switch (m_kind) {
-    case OrbixSight:
-        line = QStringLiteral("--demo");
-        break;
-    case Mpv:
-    case MpvGl:
-        line = QStringLiteral(
-                   "--no-config --fs --no-osc --gpu-sw=yes --vo=%1 --input-ipc-server=%2 "
-                   "--vf=lavfi=[v360=input=equirect:output=flat:w=%3:h=%4:h_fov=%5:"
-                   "v_fov=%6]")
-                   .arg(QLatin1String(m_kind == Mpv ? "x11" : "gpu"), remote)
-                   .arg(Screen::kSize.width())
-                   .arg(Screen::kSize.height())
-                   .arg(widthFovDeg())
-                   .arg(kFovDeg);
-        break;
-    case Vlc:
-        line = QStringLiteral("--intf=oldrc --rc-fake-tty --rc-unix=%1 --drawable-xid=%2 --no-dbus "
-                              "--no-osd --no-video-title-show --avcodec-hw=none")
+    QString line = QStringLiteral(PLAYER " --demo");
+    if (m_kind == Vlc) {
+        line = QStringLiteral("vlc --intf=oldrc --rc-fake-tty --rc-unix=%1 --drawable-xid=%2 "
+                              "--no-dbus --no-osd --no-video-title-show --avcodec-hw=none")
                    .arg(remote)
                    .arg(m_window);
-        break;
+        if (::geteuid() == 0) { // which VLC refuses to be
+            line.prepend(
+                QStringLiteral("setpriv --reuid=%1 --regid=%1 --clear-groups ").arg(kNobody));
+            for (const QString &folder : {m_home.path(), m_cache}) {
+                if (::chown(folder.toLocal8Bit(), kNobody, kNobody) != 0)
+                    return false;
+            }
+        }
+    } else if (m_kind != OrbixSight) {
+        line = QStringLiteral("mpv ")
+            + QString::fromLatin1(kMpvArguments)
+                  .arg(remote, QLatin1String(m_kind == Mpv ? "x11" : "gpu"));
     }
     QStringList words = line.split(QLatin1Char(' ')) << media;
-    words.prepend(program(m_kind));
-    if (m_kind == Vlc && !makeOrdinaryUser(words))
-        return false;
     m_process.start(words.takeFirst(), words);
     return m_process.waitForStarted();
 }
@@ -135,53 +91,42 @@ bool RunningPlayer::isRunning()
 
 bool RunningPlayer::takeControl()
 {
-    if (m_kind == OrbixSight) {
-        findTimeline();
-        return m_timelineWidth > 0;
-    }
+    if (m_kind == OrbixSight)
+        return findTimeline();
     m_remote.connectToServer(m_home.filePath(QStringLiteral("remote")));
     if (!m_remote.waitForConnected(kRemoteMs))
         return false;
     if (m_kind == Vlc)
-        command(QByteArray("key key-viewpoint-fov-out\n").repeated(vlcZoomPresses()));
+        command(QByteArray("key key-viewpoint-fov-out\n").repeated(kVlcZoomPresses));
     return true;
 }
 
 void RunningPlayer::seek(double seconds)
 {
-    switch (m_kind) {
-    case OrbixSight:
-        m_screen->click(
-            {m_timelineLeft + int(seconds / BenchClip::kSeconds * m_timelineWidth), kTimelineY});
-        break;
-    case Mpv:
-    case MpvGl:
-        command(R"({"command":["seek",)" + QByteArray::number(seconds) + R"(,"absolute+exact"]})"
-                + '\n');
-        break;
-    case Vlc:
-        command("seek " + QByteArray::number(seconds * 100 / BenchClip::kSeconds) + "%\n");
-        break;
-    }
+    const double share = seconds / BenchClip::kSeconds;
+    if (m_kind == OrbixSight)
+        m_screen->click({m_timelineLeft + int(share * m_timelineWidth), kTimelineY});
+    else if (m_kind == Vlc)
+        command("seek " + QByteArray::number(share * 100) + "%\n");
+    else
+        command(R"({"command":["seek",)" + QByteArray::number(seconds) + ",\"absolute+exact\"]}\n");
 }
 
 /// The timeline is the only thing in its row that has long runs of one colour.
-void RunningPlayer::findTimeline()
+bool RunningPlayer::findTimeline()
 {
     const QImage row = m_screen->grab({0, kTimelineY, Screen::kSize.width(), 1});
     const auto *pixels = reinterpret_cast<const QRgb *>(row.constBits());
-    int first = -1;
-    int last = -1;
     for (int x = 0, start = 0; x < row.width(); ++x) {
         if (pixels[x] != pixels[start])
             start = x;
         if (x - start < kLeastRun || qRed(pixels[x]) < 255)
             continue;
-        first = first < 0 ? start : first;
-        last = x;
+        if (m_timelineLeft < 0)
+            m_timelineLeft = start;
+        m_timelineWidth = x + 1 - m_timelineLeft;
     }
-    m_timelineLeft = first;
-    m_timelineWidth = first < 0 ? 0 : last + 1 - first;
+    return m_timelineWidth > 0;
 }
 
 void RunningPlayer::command(const QByteArray &line)
@@ -197,9 +142,8 @@ double RunningPlayer::cpuSeconds() const
     // Behind the name in parentheses: state and on (proc(5)), the times at 14 and 15 of the whole.
     const QByteArray line = processFile("stat");
     const QList<QByteArray> fields = line.mid(line.lastIndexOf(')') + 2).split(' ');
-    if (fields.size() < 13)
-        return 0;
-    return (fields[11].toDouble() + fields[12].toDouble()) / double(::sysconf(_SC_CLK_TCK));
+    return (fields.value(11).toDouble() + fields.value(12).toDouble())
+        / double(::sysconf(_SC_CLK_TCK));
 }
 
 double RunningPlayer::peakMemoryMib() const

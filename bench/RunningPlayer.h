@@ -37,8 +37,7 @@ public:
     double peakMemoryMib() const;
 
 private:
-    bool makeOrdinaryUser(QStringList &command) const;
-    void findTimeline();
+    bool findTimeline();
     void command(const QByteArray &line);
     QByteArray processFile(const char *name) const;
 
@@ -49,6 +48,6 @@ private:
     QProcess m_process;
     QLocalSocket m_remote;
     uint32_t m_window = 0;
-    int m_timelineLeft = 0; ///< pixels
+    int m_timelineLeft = -1; ///< pixels
     int m_timelineWidth = 0;
 };

@@ -1,9 +1,8 @@
 // Playing 360-degree video without a graphics processor, against other players that show the same
 // clip in the same view on the same screen, and the frame path alone against the decoders.
 //
-// Takes --benchmark_repetitions=N (3) and --benchmark_filter=REGEX, which chooses among
-// play/1920x960, play/3840x1920, path/1920x960, path/3840x1920 and idle. Other options of Google
-// Benchmark change nothing.
+// --benchmark_repetitions=N takes each value N times (3). Other options of Google Benchmark change
+// nothing.
 
 #include "AimTable.h"
 #include "BenchClip.h"
@@ -15,7 +14,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
-#include <QRegularExpression>
 #include <QThread>
 
 #include <cstdio>
@@ -23,7 +21,6 @@
 
 namespace {
 
-constexpr QSize kSizes[] = {{1920, 960}, {3840, 1920}};
 constexpr RunningPlayer::Kind kPeers[] = {RunningPlayer::Vlc, RunningPlayer::Mpv,
                                           RunningPlayer::MpvGl};
 constexpr double kSeekTargets[] = {12.5, 3.5}; // seconds; midway between keyframes
@@ -50,16 +47,6 @@ const QString kItem = QStringLiteral("frame path");
 const QString kLibVlc = QStringLiteral("libVLC");
 const QString kFfmpeg = QStringLiteral("ffmpeg");
 
-QString sizeText(const QSize &size)
-{
-    return QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
-}
-
-QString measureAt(const QString &measure, const QSize &size)
-{
-    return measure + QStringLiteral(", ") + sizeText(size);
-}
-
 /// False after the deadline, or when `player` has ended.
 bool waitUntil(RunningPlayer &player, const std::function<bool()> &holds)
 {
@@ -78,126 +65,66 @@ double seconds(const QElapsedTimer &time)
     return double(time.nsecsElapsed()) / 1e9;
 }
 
-/// One player's turn with one clip.
-class PlayerTurn
+/// Takes all values of a player with a clip. Returns what was wrong, null if nothing was.
+const char *measurePlayer(Screen &screen, RunningPlayer &player, const QString &clip,
+                          const std::function<void(const QString &measure, double value)> &add)
 {
-public:
-    PlayerTurn(Screen &screen, AimTable &table, const QString &folder, RunningPlayer::Kind kind,
-               const QSize &size)
-        : m_screen(screen)
-        , m_table(table)
-        , m_name(RunningPlayer::name(kind))
-        , m_size(size)
-        , m_player(kind, &screen, folder)
-    {}
-
-    void run(const QString &clip)
-    {
-        if (!start(clip))
-            return fail({kStart, kCpu, kCpuFrame, kFrames, kSeek, kMemory});
-        if (!play())
-            return fail({kCpu, kCpuFrame, kFrames, kSeek, kMemory});
-        for (const double target : kSeekTargets)
-            seek(target);
-        add(kMemory, m_player.peakMemoryMib());
-    }
-
-private:
-    void add(const QString &measure, double value)
-    {
-        m_table.add(measureAt(measure, m_size), m_name, value);
-    }
-
-    void fail(const QStringList &measures)
-    {
-        if (!m_player.isRunning())
-            m_reason += QStringLiteral(", it has ended");
-        for (const QString &measure : measures)
-            m_table.fail(measureAt(measure, m_size), m_name, m_reason);
-    }
-
-    bool start(const QString &clip);
-    bool play();
-    void seek(double target);
-
-    Screen &m_screen;
-    AimTable &m_table;
-    const QString m_name;
-    const QSize m_size;
-    RunningPlayer m_player;
-    QString m_reason;
-};
-
-bool PlayerTurn::start(const QString &clip)
-{
-    m_reason = QStringLiteral("the player before is still on the screen");
-    if (m_screen.frameNumber(kFirstPictureArea))
-        return false;
+    if (screen.frameNumber(kFirstPictureArea))
+        return "the player before is still on the screen";
     QElapsedTimer time;
     time.start();
-    m_reason = QStringLiteral("it cannot be started");
-    if (!m_player.start(clip))
-        return false;
-    m_reason = QStringLiteral("no picture came");
-    if (!waitUntil(m_player, [&] { return m_screen.frameNumber(kFirstPictureArea).has_value(); }))
-        return false;
+    if (!player.start(clip))
+        return "it cannot be started";
+    if (!waitUntil(player, [&] { return screen.frameNumber(kFirstPictureArea).has_value(); }))
+        return "no picture came";
     add(kStart, seconds(time));
-    m_reason = QStringLiteral("it cannot be controlled");
-    QThread::msleep(kSettleMs);
-    if (!m_player.takeControl())
-        return false;
-    m_reason = QStringLiteral("no picture in the common view came");
-    QThread::msleep(kSettleMs / 2);
-    return waitUntil(m_player, [&] { return m_screen.frameNumber().has_value(); });
-}
 
-bool PlayerTurn::play()
-{
+    QThread::msleep(kSettleMs);
+    if (!player.takeControl())
+        return "it cannot be controlled";
+    QThread::msleep(kSettleMs / 2);
+    if (!waitUntil(player, [&] { return screen.frameNumber().has_value(); }))
+        return "no picture in the common view came";
+
     int shown = 0;
-    std::optional<int> last = m_screen.frameNumber();
-    const double cpuBefore = m_player.cpuSeconds();
-    QElapsedTimer time;
+    std::optional<int> last = screen.frameNumber();
+    const double cpuBefore = player.cpuSeconds();
     time.start();
     while (!time.hasExpired(kPlayMs)) {
-        const std::optional<int> number = m_screen.frameNumber();
+        const std::optional<int> number = screen.frameNumber();
         if (number && number != last) {
             ++shown;
             last = number;
         }
         QThread::usleep(kPollUs);
     }
-    const double cpu = m_player.cpuSeconds() - cpuBefore;
+    const double cpu = player.cpuSeconds() - cpuBefore;
     const double wall = seconds(time);
-    m_reason = QStringLiteral("no frame came in %1 s").arg(kPlayMs / 1000);
-    if (shown == 0 || !m_player.isRunning())
-        return false;
+    if (shown == 0 || !player.isRunning())
+        return "no more frames came";
     add(kFrames, shown / wall);
     add(kCpu, cpu / wall);
     add(kCpuFrame, cpu / shown * 1e3);
-    return true;
+
+    for (const double target : kSeekTargets) {
+        time.start();
+        player.seek(target);
+        // A player may show the keyframe before the target, and plays on from there unseen while it
+        // is too busy to draw.
+        if (!waitUntil(player, [&] {
+                const double at = double(screen.frameNumber().value_or(-BenchClip::kFrames))
+                    / BenchClip::kFramesPerSecond;
+                return at > target - 1 && at < target + 1 + seconds(time);
+            }))
+            return "no picture came after a seek";
+        add(kSeek, seconds(time) * 1e3);
+        QThread::msleep(kAfterSeekMs);
+    }
+    add(kMemory, player.peakMemoryMib());
+    return nullptr;
 }
 
-void PlayerTurn::seek(double target)
-{
-    // A player may show the keyframe before the target, and plays on from there unseen while it is
-    // too busy to draw.
-    const auto isBehindTarget = [target](int number, double elapsed) {
-        const double shown = double(number) / BenchClip::kFramesPerSecond;
-        return shown > target - 1 && shown < target + 1 + elapsed;
-    };
-    QElapsedTimer time;
-    time.start();
-    m_player.seek(target);
-    m_reason = QStringLiteral("no picture at %1 s came").arg(target);
-    if (!waitUntil(m_player, [&] {
-            const auto number = m_screen.frameNumber();
-            return number && isBehindTarget(*number, seconds(time));
-        }))
-        return fail({kSeek});
-    add(kSeek, seconds(time) * 1e3);
-    QThread::msleep(kAfterSeekMs);
-}
-
+/// How busy the player is with a picture that stands still, in percent of a core.
 void measureIdle(Screen &screen, AimTable &table, const QString &folder, const QString &media,
                  const QString &measure)
 {
@@ -207,7 +134,7 @@ void measureIdle(Screen &screen, AimTable &table, const QString &folder, const Q
         return judge(screen.grab({100, 100, 200, 200})) == PictureState::Picture;
     };
     if (!player.start(media) || !waitUntil(player, shows))
-        return table.fail(measure, subject, QStringLiteral("no picture came"));
+        return table.fail(subject, QStringLiteral("no picture came"));
     QThread::msleep(kSettleMs);
     if (measure == kPaused)
         screen.pressKey(kSpaceKey);
@@ -219,68 +146,96 @@ void measureIdle(Screen &screen, AimTable &table, const QString &folder, const Q
     QThread::msleep(kIdleMs);
     const double share = (player.cpuSeconds() - before) / seconds(time) * 100;
     if (!shows() || number != screen.frameNumber() || number.has_value() != (measure == kPaused))
-        return table.fail(measure, subject, QStringLiteral("the picture does not stand still"));
+        return table.fail(subject, QStringLiteral("the picture does not stand still"));
     table.add(measure, subject, share);
 }
 
 void measurePath(AimTable &table, const QString &clip, const QSize &size)
 {
-    const QString measure = measureAt(kPath, size);
-    const auto take = [&](const QString &subject, const FramePath::Cost &cost) {
-        if (cost.failure.isEmpty())
-            table.add(measure, subject, cost.cpuSeconds * 1e3);
+    const auto take = [&table](const QString &subject, double secondsAFrame) {
+        if (secondsAFrame > 0)
+            table.add(kPath, subject, secondsAFrame * 1e3);
         else
-            table.fail(measure, subject, cost.failure);
+            table.fail(subject, QStringLiteral("no frame was decoded"));
     };
     take(kItem, FramePath::ofItem(clip));
     take(kLibVlc, FramePath::ofLibVlc(clip, size));
     take(kFfmpeg, FramePath::ofFfmpeg(clip));
 }
 
-/// Smaller clips are shown whole by every player, larger ones by none.
-void printPlayRows(AimTable &table, const QSize &size)
+/// A clip with all that was measured with it.
+struct Film
+{
+    QSize size;
+    bool small; ///< shown whole by every player; larger ones by none
+    QString path;
+    AimTable table;
+};
+
+void measureFilm(Screen &screen, Film &film, const QString &folder)
+{
+    const auto measure = [&](RunningPlayer::Kind kind) {
+        RunningPlayer player(kind, &screen, folder);
+        const QString name = RunningPlayer::name(kind);
+        const char *wrong = measurePlayer(screen, player, film.path,
+                                          [&](const QString &measured, double value) {
+                                              film.table.add(measured, name, value);
+                                          });
+        if (wrong)
+            film.table.fail(name,
+                            QLatin1String(wrong)
+                                + QLatin1String(player.isRunning() ? "" : ", it has ended"));
+    };
+    measure(RunningPlayer::OrbixSight);
+    for (const RunningPlayer::Kind peer : kPeers)
+        measure(peer);
+    measurePath(film.table, film.path, film.size);
+}
+
+void printFilm(Film &film)
 {
     using Aim = AimTable::Aim;
-    const bool small = size == kSizes[0];
-    struct Row
+    const auto ifSmall = [&film](const Aim &aim) { return film.small ? aim : Aim(); };
+    const auto ifLarge = [&film](const Aim &aim) { return film.small ? Aim() : aim; };
+    const struct
     {
         QString measure;
         const char *unit;
         Aim toVlc;
         Aim toMpv;
-    };
-    const Row rows[] = {
-        {kCpu, "s", small ? Aim{Aim::AtMost, 0.8} : Aim{}, small ? Aim{Aim::AtMost, 1} : Aim{}},
+    } rows[] = {
+        {kCpu, "s", ifSmall({Aim::AtMost, 0.8}), ifSmall({Aim::AtMost, 1})},
         {kCpuFrame, "ms", {}, {}},
-        {kFrames, "/s", small ? Aim{} : Aim{Aim::AtLeast, 1.35},
-         small ? Aim{} : Aim{Aim::AtLeast, 1.1}},
+        {kFrames, "/s", ifLarge({Aim::AtLeast, 1.35}), ifLarge({Aim::AtLeast, 1.1})},
         {kStart, "s", {}, {Aim::AtMost, 1}},
         {kSeek, "ms", {Aim::AtMost, 1}, {Aim::AtMost, 0.8}},
         {kMemory, "MiB", {Aim::AtMost, 1}, {}},
     };
-    for (const Row &row : rows) {
+    for (const auto &row : rows) {
         for (const RunningPlayer::Kind peer : kPeers)
-            table.printRow(measureAt(row.measure, size), row.unit,
-                           RunningPlayer::name(RunningPlayer::OrbixSight),
-                           RunningPlayer::name(peer),
-                           peer == RunningPlayer::Vlc ? row.toVlc : row.toMpv);
+            film.table.printRow(row.measure, row.unit,
+                                RunningPlayer::name(RunningPlayer::OrbixSight),
+                                RunningPlayer::name(peer),
+                                peer == RunningPlayer::Vlc ? row.toVlc : row.toMpv);
     }
+    film.table.printRow(kPath, "ms", kItem, kLibVlc, {Aim::AtMost, 1.15});
+    film.table.printRow(kPath, "ms", kItem, kFfmpeg, {});
 }
 
-/// A copy of the clip where every user may read it; empty, with a message, if there is none.
-QString readableClip(const QString &folder, const QSize &size)
+/// The film of this size, where every user may read it; without a path, and with a message, if it
+/// cannot be made.
+Film makeFilm(const QString &folder, const QSize &size, bool small)
 {
+    const QString name = QStringLiteral("%1x%2").arg(size.width()).arg(size.height());
     QString failure;
     const QString clip = BenchClip::path(QStringLiteral(CLIP_FOLDER), size,
                                          QStringLiteral(SAMPLE_PANORAMA), &failure);
-    const QString copy = folder + QLatin1Char('/') + sizeText(size) + QStringLiteral(".mp4");
-    if (clip.isEmpty() || !QFile::copy(clip, copy)
-        || !QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther)) {
-        std::fprintf(stderr, "The clip of %s cannot be made: %s\n", qPrintable(sizeText(size)),
-                     qPrintable(failure));
-        return {};
-    }
-    return copy;
+    const QString copy = folder + QLatin1Char('/') + name + QStringLiteral(".mp4");
+    const bool made = QFile::copy(clip, copy)
+        && QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther);
+    if (!made)
+        std::fprintf(stderr, "No clip of %s: %s\n", qPrintable(name), qPrintable(failure));
+    return {size, small, made ? copy : QString(), AimTable(name)};
 }
 
 } // namespace
@@ -294,61 +249,33 @@ int main(int argc, char **argv)
     }
     const QGuiApplication application(argc, argv);
     int repetitions = 3;
-    QRegularExpression filter;
-    const QStringList arguments = QGuiApplication::arguments();
-    for (const QString &argument : arguments) {
-        const QString value = argument.section(QLatin1Char('='), 1);
-        if (argument.startsWith(QLatin1String("--benchmark_repetitions=")))
-            repetitions = value.toInt();
-        else if (argument.startsWith(QLatin1String("--benchmark_filter=")))
-            filter.setPattern(value);
-    }
-    const auto isWanted = [&filter](const QString &name) { return filter.match(name).hasMatch(); };
+    const QStringList options = QGuiApplication::arguments().filter(
+        QStringLiteral("--benchmark_repetitions="));
+    if (!options.isEmpty())
+        repetitions = options.last().section(QLatin1Char('='), 1).toInt();
 
-    QTemporaryDir folder;
+    const QTemporaryDir folder;
     QFile::setPermissions(folder.path(),
-                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner | QFile::ReadOther
-                              | QFile::ExeOther);
-    QMap<int, QString> clips; // by width
-    for (const QSize &size : kSizes) {
-        clips[size.width()] = readableClip(folder.path(), size);
-        if (clips[size.width()].isEmpty())
-            return 1;
-    }
-
-    AimTable table;
+                          QFile::permissions(folder.path()) | QFile::ReadOther | QFile::ExeOther);
+    Film films[] = {makeFilm(folder.path(), {1920, 960}, true),
+                    makeFilm(folder.path(), {3840, 1920}, false)};
+    AimTable idle;
     for (int i = 0; i < repetitions; ++i) {
         std::fprintf(stderr, "Run %d of %d\n", i + 1, repetitions);
-        for (const QSize &size : kSizes) {
-            const QString clip = clips.value(size.width());
-            if (isWanted(QStringLiteral("play/") + sizeText(size))) {
-                PlayerTurn(screen, table, folder.path(), RunningPlayer::OrbixSight, size).run(clip);
-                for (const RunningPlayer::Kind kind : kPeers)
-                    PlayerTurn(screen, table, folder.path(), kind, size).run(clip);
-            }
-            if (isWanted(QStringLiteral("path/") + sizeText(size)))
-                measurePath(table, clip, size);
+        for (Film &film : films) {
+            if (film.path.isEmpty())
+                return 1;
+            measureFilm(screen, film, folder.path());
         }
-        if (isWanted(QStringLiteral("idle"))) {
-            measureIdle(screen, table, folder.path(), QStringLiteral(SAMPLE_PANORAMA), kStill);
-            measureIdle(screen, table, folder.path(), clips.value(kSizes[0].width()), kPaused);
-        }
+        measureIdle(screen, idle, folder.path(), QStringLiteral(SAMPLE_PANORAMA), kStill);
+        measureIdle(screen, idle, folder.path(), films[0].path, kPaused);
     }
 
-    using Aim = AimTable::Aim;
     AimTable::printHead();
-    for (const QSize &size : kSizes) {
-        if (isWanted(QStringLiteral("play/") + sizeText(size)))
-            printPlayRows(table, size);
-        if (isWanted(QStringLiteral("path/") + sizeText(size))) {
-            table.printRow(measureAt(kPath, size), "ms", kItem, kLibVlc, {Aim::AtMost, 1.15});
-            table.printRow(measureAt(kPath, size), "ms", kItem, kFfmpeg, {});
-        }
-    }
-    if (isWanted(QStringLiteral("idle"))) {
-        for (const QString &measure : {kStill, kPaused})
-            table.printRow(measure, "%", RunningPlayer::name(RunningPlayer::OrbixSight), {},
-                           {Aim::AtMost, 15});
-    }
-    return table.isComplete() ? 0 : 1;
+    for (Film &film : films)
+        printFilm(film);
+    for (const QString &measure : {kStill, kPaused})
+        idle.printRow(measure, "%", RunningPlayer::name(RunningPlayer::OrbixSight), {},
+                      {AimTable::Aim::AtMost, 15});
+    return films[0].table.isComplete() && films[1].table.isComplete() && idle.isComplete() ? 0 : 1;
 }

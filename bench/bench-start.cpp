@@ -30,8 +30,7 @@ struct Player
 {
     const char *name;
     const char *peers;
-    QString program;
-    QStringList arguments;
+    QString commandLine; ///< without the panorama
 };
 
 PictureState screenState()
@@ -65,6 +64,8 @@ void start(benchmark::State &state, const Player &player, const QString &home)
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), configuration.path());
     environment.insert(QStringLiteral("SDL_VIDEODRIVER"), QStringLiteral("x11"));
 
+    const QStringList words = player.commandLine.split(QLatin1Char(' '))
+        << QStringLiteral(SAMPLE_PANORAMA);
     QProcess process;
     process.setProcessEnvironment(environment);
     process.setStandardInputFile(QProcess::nullDevice());
@@ -75,7 +76,7 @@ void start(benchmark::State &state, const Player &player, const QString &home)
             return state.SkipWithError("Something else stands on the screen");
         QElapsedTimer time;
         time.start();
-        process.start(player.program, player.arguments);
+        process.start(words.first(), words.mid(1));
         if (!process.waitForStarted())
             return state.SkipWithError("It cannot be started");
         if (!waitFor(PictureState::Picture))
@@ -93,23 +94,15 @@ int main(int argc, char **argv)
 {
     const QGuiApplication application(argc, argv);
     const QTemporaryDir home;
-    const QString panorama = QStringLiteral(SAMPLE_PANORAMA);
     const QSize screen = QGuiApplication::primaryScreen()->size();
     const Player players[] = {
-        {"orbixsight", "mpv ffplay", QStringLiteral(PLAYER), {QStringLiteral("--demo"), panorama}},
-        {"mpv",
-         "",
-         QStringLiteral("mpv"),
-         {QStringLiteral("--no-config"), QStringLiteral("--fs"), QStringLiteral("--vo=gpu"),
-          QStringLiteral("--gpu-sw=yes"), QStringLiteral("--image-display-duration=inf"),
-          panorama}},
-        {"ffplay",
-         "",
-         QStringLiteral("ffplay"),
-         {QStringLiteral("-noborder"), QStringLiteral("-left"), QStringLiteral("0"),
-          QStringLiteral("-top"), QStringLiteral("0"), QStringLiteral("-x"),
-          QString::number(screen.width()), QStringLiteral("-y"), QString::number(screen.height()),
-          QStringLiteral("-loop"), QStringLiteral("0"), panorama}},
+        {"orbixsight", "mpv ffplay", QStringLiteral(PLAYER " --demo")},
+        {"mpv", "",
+         QStringLiteral("mpv --no-config --fs --vo=gpu --gpu-sw=yes --image-display-duration=inf")},
+        {"ffplay", "",
+         QStringLiteral("ffplay -noborder -left 0 -top 0 -x %1 -y %2 -loop 0")
+             .arg(screen.width())
+             .arg(screen.height())},
     };
     for (const Player &player : players) {
         benchmark::RegisterBenchmark(player.name,

@@ -53,6 +53,7 @@ public:
 };
 
 constexpr unsigned char kBlackPixel[] = {0, 0, 0, 255};
+constexpr GLint kRgba8 = 0x8058; ///< GL_RGBA8, which headers of OpenGL ES 2 do not name
 
 /// Gives the texture that is bound room for frames of this size, filled or not, and linear
 /// filtering and clamped edges, as the panorama reads it. `internalFormat` is OpenGL's.

@@ -4,7 +4,6 @@ namespace {
 constexpr GLenum kTextureMemoryLayoutIntel = 0x83FF;
 constexpr GLint kLayoutLinearIntel = 1;
 constexpr GLbitfield kMapWriteBit = 0x0002;
-constexpr GLint kRgba8 = 0x8058;
 } // namespace
 
 MapTextureTransfer::MapTextureTransfer(const GlEntryPoints &gl)

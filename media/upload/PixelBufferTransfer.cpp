@@ -4,7 +4,6 @@ namespace {
 constexpr GLenum kPixelUnpackBuffer = 0x88EC;
 constexpr GLenum kStreamDraw = 0x88E0;
 constexpr GLenum kWriteOnly = 0x88B9;
-constexpr GLint kRgba8 = 0x8058;
 constexpr int kBytesAPixel = 4;
 } // namespace
 

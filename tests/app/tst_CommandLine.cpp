@@ -3,18 +3,11 @@
 #include "WarningsFail.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QProcess>
 #include <QtTest>
 
 #include <vector>
 
 namespace {
-
-/// Set for the program itself when it is to parse its arguments and end.
-constexpr char kParseOnly[] = "ORBIX_TEST_PARSE_ONLY";
-
-const QString kStartFolder = QStringLiteral("/start/my films");
 
 /// The map of a command line with these arguments behind the program's name.
 QVariantMap parsed(const QStringList &arguments)
@@ -29,7 +22,7 @@ QVariantMap parsed(const QStringList &arguments)
     argv.push_back(nullptr);
     int argc = int(texts.size());
     const QCoreApplication application(argc, argv.data());
-    return parseCommandLine(application, kStartFolder);
+    return parseCommandLine(application, QStringLiteral("/start/my films"));
 }
 
 } // namespace
@@ -42,10 +35,6 @@ private slots:
     void noArgumentsAreAnEmptyMap();
     void optionsAndFilesAreRead_data();
     void optionsAndFilesAreRead();
-    void filesStartAtTheFolderOfTheStart_data();
-    void filesStartAtTheFolderOfTheStart();
-    void aWrongCommandLineEndsTheProgram_data();
-    void aWrongCommandLineEndsTheProgram();
 };
 
 void tst_CommandLine::noArgumentsAreAnEmptyMap()
@@ -81,6 +70,7 @@ void tst_CommandLine::optionsAndFilesAreRead_data()
     row("-od", "", true, true, "");
     row("-d /a.jpg -u master --oculus /b.jpg", "master", true, true, "/a.jpg /b.jpg");
     row("-- /-d", "", false, false, "/-d");
+    row("a.jpg http://host/a.mp4", "", false, false, "/start/my films/a.jpg http://host/a.mp4");
 }
 
 void tst_CommandLine::optionsAndFilesAreRead()
@@ -100,79 +90,5 @@ void tst_CommandLine::optionsAndFilesAreRead()
     QCOMPARE(map.value(QStringLiteral("files")).toStringList().join(QLatin1Char(' ')), files);
 }
 
-void tst_CommandLine::filesStartAtTheFolderOfTheStart_data()
-{
-    QTest::addColumn<QString>("argument");
-    QTest::addColumn<QString>("file");
-    const auto row = [](const char *argument, const char *file) {
-        QTest::newRow(argument) << QString::fromUtf8(argument) << QString::fromUtf8(file);
-    };
-    row("a.jpg", "/start/my films/a.jpg");
-    row("../a b#1.jpg", "/start/a b#1.jpg");
-    row("写.jpg", "/start/my films/写.jpg");
-    row("/v/a.jpg", "/v/a.jpg");
-    row("http://host/a.mp4?x=1", "http://host/a.mp4?x=1");
-    row("udp://@:1234", "udp://@:1234");
-    row("file:///v/a%20b.jpg", "file:///v/a%20b.jpg");
-}
-
-void tst_CommandLine::filesStartAtTheFolderOfTheStart()
-{
-    QFETCH(QString, argument);
-    QFETCH(QString, file);
-    const QStringList files = parsed({argument}).value(QStringLiteral("files")).toStringList();
-    QCOMPARE(files.size(), 1);
-    const QString &got = files.first();
-    QCOMPARE(got.startsWith(QLatin1Char('/')) ? QDir::cleanPath(got) : got, file);
-}
-
-void tst_CommandLine::aWrongCommandLineEndsTheProgram_data()
-{
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("exitCode");
-    QTest::addColumn<QString>("message"); ///< what standard error names; empty: no message
-    const auto row = [](const char *arguments, int exitCode, const char *message) {
-        QTest::newRow(arguments) << QString::fromLatin1(arguments).split(QLatin1Char(' '))
-                                 << exitCode << QString::fromLatin1(message);
-    };
-    row("--demo /a.jpg", EXIT_SUCCESS, "");
-    row("--fast", EXIT_FAILURE, "fast");
-    row("-x /a.jpg", EXIT_FAILURE, "x");
-    row("--help", EXIT_FAILURE, "help");
-    row("--version", EXIT_FAILURE, "version");
-    row("--udp", EXIT_FAILURE, "udp");
-    row("--demo=yes", EXIT_FAILURE, "demo");
-}
-
-void tst_CommandLine::aWrongCommandLineEndsTheProgram()
-{
-    QFETCH(QStringList, arguments);
-    QFETCH(int, exitCode);
-    QFETCH(QString, message);
-    QProcess child;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QString::fromLatin1(kParseOnly), QStringLiteral("1"));
-    child.setProcessEnvironment(environment);
-    child.start(QFile::symLinkTarget(QStringLiteral("/proc/self/exe")), arguments);
-    QVERIFY(child.waitForFinished());
-    QCOMPARE(child.exitStatus(), QProcess::NormalExit);
-    QCOMPARE(child.exitCode(), exitCode);
-    const QString error = QString::fromUtf8(child.readAllStandardError());
-    if (message.isEmpty())
-        QCOMPARE(error, QString());
-    else
-        QVERIFY2(error.contains(message), qPrintable(error));
-}
-
-int main(int argc, char **argv)
-{
-    if (qEnvironmentVariableIsSet(kParseOnly)) {
-        const QCoreApplication application(argc, argv);
-        parseCommandLine(application, QDir::currentPath());
-        return EXIT_SUCCESS;
-    }
-    tst_CommandLine test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_APPLESS_MAIN(tst_CommandLine)
 #include "tst_CommandLine.moc"

@@ -16,10 +16,7 @@ QString watch(const Clip &clip);
 /// Starts the program with `arguments`, filling the screen, and waits for its first picture.
 void start(Player &player, const QStringList &arguments = {});
 
-/// Ends the program. Returns what was wrong with its end or its words, empty if nothing was.
+/// Ends the program and tells how, as Player::ending does.
 QString end(Player &player);
-
-/// Whether the program shows a text that contains `part`, now.
-bool shows(Player &player, const QString &part);
 
 } // namespace FilmOnScreen

@@ -2,14 +2,14 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QTest>
 
-#include <xcb/xcb.h>
+#include <algorithm>
 #include <csignal>
-#include <cstdlib>
-#include <cstring>
 
 namespace {
 
@@ -22,16 +22,6 @@ QByteArray content(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-xcb_atom_t atom(xcb_connection_t *connection, const char *name)
-{
-    const auto length = static_cast<uint16_t>(std::strlen(name));
-    const auto cookie = xcb_intern_atom(connection, 0, length, name);
-    xcb_intern_atom_reply_t *reply = xcb_intern_atom_reply(connection, cookie, nullptr);
-    const xcb_atom_t found = reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
-    std::free(reply);
-    return found;
 }
 
 } // namespace
@@ -118,39 +108,49 @@ bool Player::waitForState(const std::function<bool(const QJsonObject &)> &isWant
     return true;
 }
 
+bool Player::shows(const QJsonObject &state, const QString &part)
+{
+    const QJsonArray texts = state.value(QLatin1String("texts")).toArray();
+    return std::any_of(texts.begin(), texts.end(),
+                       [&part](const QJsonValue &text) { return text.toString().contains(part); });
+}
+
+void Player::order(const QByteArray &line)
+{
+    m_process.write(line + '\n');
+    m_process.waitForBytesWritten();
+}
+
 void Player::open(const QString &text)
 {
-    m_process.write("open " + text.toUtf8() + '\n');
-    m_process.waitForBytesWritten();
+    order("open " + text.toUtf8());
 }
 
 void Player::exit(int code)
 {
-    m_process.write("exit " + QByteArray::number(code) + '\n');
-    m_process.waitForBytesWritten();
+    order("exit " + QByteArray::number(code));
 }
 
-void Player::closeWindow()
+void Player::close()
 {
-    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
-    xcb_client_message_event_t message = {};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = static_cast<xcb_window_t>(state().value(QLatin1String("window")).toDouble());
-    message.type = atom(connection, "WM_PROTOCOLS");
-    message.data.data32[0] = atom(connection, "WM_DELETE_WINDOW");
-    message.data.data32[1] = XCB_CURRENT_TIME;
-    xcb_send_event(connection, 0, message.window, XCB_EVENT_MASK_NO_EVENT,
-                   reinterpret_cast<const char *>(&message));
-    // The server drops what it has not read yet of a connection that is cut; its answer says it
-    // has.
-    std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-    xcb_disconnect(connection);
+    order("close");
 }
 
-bool Player::waitForEnd()
+QString Player::ending(const QString &ignored)
 {
-    return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(kDeadlineMs);
+    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(kDeadlineMs))
+        return QStringLiteral("it does not end");
+    QStringList lines = QString::fromUtf8(content(m_files.filePath(QStringLiteral("errors.txt"))))
+                            .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    if (!ignored.isEmpty()) {
+        const QRegularExpression pattern(QRegularExpression::anchoredPattern(ignored));
+        const auto matches = [&](const QString &line) { return pattern.match(line).hasMatch(); };
+        lines.erase(std::remove_if(lines.begin(), lines.end(), matches), lines.end());
+    }
+    lines.prepend(m_process.exitStatus() == QProcess::CrashExit
+                      ? QStringLiteral("it crashed")
+                      : QString::number(m_process.exitCode()));
+    return lines.join(QLatin1Char('\n'));
 }
 
 QVector<pid_t> Player::processes() const
@@ -176,10 +176,4 @@ QVector<QJsonObject> Player::log(const QString &event) const
             entries.append(entry);
     }
     return entries;
-}
-
-QStringList Player::errorOutput() const
-{
-    const QByteArray output = content(m_files.filePath(QStringLiteral("errors.txt")));
-    return QString::fromUtf8(output).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }

@@ -40,20 +40,23 @@ public:
     /// The state that was last told.
     QJsonObject lastState() const { return m_lastState; }
 
+    /// Whether a text that contains `part` can be seen in such a state.
+    static bool shows(const QJsonObject &state, const QString &part);
+
     /// Opens a file or an address as the dialog for it does, once a window is shown.
     void open(const QString &text);
 
     /// Ends the event loop with this code.
     void exit(int code);
 
-    /// Asks the window to close, as a window manager does.
-    void closeWindow();
+    /// Closes the window.
+    void close();
 
-    /// Waits for the end; false if it does not come.
-    bool waitForEnd();
     bool isRunning() const { return m_process.state() == QProcess::Running; }
-    bool crashed() const { return m_process.exitStatus() == QProcess::CrashExit; }
-    int exitCode() const { return m_process.exitCode(); }
+
+    /// Waits for the end and tells its code, behind it the lines on standard error that do not
+    /// match `ignored`. What else may happen it tells in words.
+    QString ending(const QString &ignored = {});
 
     /// The processes of this run, those that the program has started too.
     QVector<pid_t> processes() const;
@@ -61,11 +64,9 @@ public:
     /// The entries of the driver's log of one kind, "start", "frame" or "end".
     QVector<QJsonObject> log(const QString &event) const;
 
-    /// What the program and those that it started have written to standard error, in lines.
-    QStringList errorOutput() const;
-
 private:
     QString settingsFile() const;
+    void order(const QByteArray &line);
 
     QTemporaryDir m_files;
     QProcessEnvironment m_environment;

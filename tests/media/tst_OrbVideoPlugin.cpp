@@ -25,15 +25,10 @@ class tst_OrbVideoPlugin : public WarningsFail
 private slots:
     void init();
     void theBackendsOfThisPlatformAreOffered();
-    void eachPlatformHasItsBackends_data();
     void eachPlatformHasItsBackends();
-    void theStoredChoiceIsCurrent_data();
-    void theStoredChoiceIsCurrent();
     void aChoiceIsWrittenAtOnceAndAsksForARestart();
-    void theCurrentRowChangesNothing();
     void hardwareDecodingFollowsTheChoice_data();
     void hardwareDecodingFollowsTheChoice();
-    void libVlcIsStartedByTheOptions_data();
     void libVlcIsStartedByTheOptions();
 
 private:
@@ -63,75 +58,42 @@ void tst_OrbVideoPlugin::theBackendsOfThisPlatformAreOffered()
     QCOMPARE(plugin.pluginsList(), expected);
 }
 
-void tst_OrbVideoPlugin::eachPlatformHasItsBackends_data()
-{
-    QTest::addColumn<int>("platform");
-    QTest::addColumn<QString>("backends");
-    QTest::addColumn<QString>("first");
-    QTest::newRow("Linux") << int(BackendPlatform::Linux) << QStringLiteral("vlc,vlc_hw/vaapi,gst")
-                           << QStringLiteral("vlc");
-    QTest::newRow("Windows") << int(BackendPlatform::Windows)
-                             << QStringLiteral("vlc,vlc_hw/dxva2,wmf+,ds+")
-                             << QStringLiteral("wmf");
-}
-
 void tst_OrbVideoPlugin::eachPlatformHasItsBackends()
 {
-    QFETCH(int, platform);
-    QStringList backends;
-    for (const Backend &backend : backendsOf(BackendPlatform(platform))) {
-        const QString decoder = QLatin1String(backend.decoder);
-        backends += QLatin1String(backend.id)
-            + (decoder.isEmpty() ? QString() : QLatin1Char('/') + decoder)
-            + (backend.ownServiceFolder ? QStringLiteral("+") : QString());
-    }
-    QTEST(backends.join(QLatin1Char(',')), "backends");
-    QTEST(defaultBackend(BackendPlatform(platform)), "first");
-}
-
-void tst_OrbVideoPlugin::theStoredChoiceIsCurrent_data()
-{
-    QTest::addColumn<QString>("stored");
-    QTest::newRow("a backend") << QStringLiteral("vlc_hw");
-    QTest::newRow("no backend of this build") << QStringLiteral("ds");
-}
-
-void tst_OrbVideoPlugin::theStoredChoiceIsCurrent()
-{
-    QFETCH(QString, stored);
-    m_settings.write(kKey, stored);
-    const OrbVideoPlugin plugin(&m_settings);
-    QCOMPARE(plugin.currentPlugin(), stored);
+    const auto backends = [](BackendPlatform platform) -> QString {
+        QStringList all;
+        for (const Backend &backend : backendsOf(platform)) {
+            const QString decoder = QLatin1String(backend.decoder);
+            all += QLatin1String(backend.id)
+                + (decoder.isEmpty() ? QString() : QLatin1Char('/') + decoder)
+                + (backend.ownServiceFolder ? QStringLiteral("+") : QString());
+        }
+        return all.join(QLatin1Char(' ')) + QStringLiteral(": ") + defaultBackend(platform);
+    };
+    QCOMPARE(backends(BackendPlatform::Linux), QStringLiteral("vlc vlc_hw/vaapi gst: vlc"));
+    QCOMPARE(backends(BackendPlatform::Windows), QStringLiteral("vlc vlc_hw/dxva2 wmf+ ds+: wmf"));
 }
 
 void tst_OrbVideoPlugin::aChoiceIsWrittenAtOnceAndAsksForARestart()
 {
     OrbVideoPlugin plugin(&m_settings);
     QStringList events;
-    connect(&plugin, &OrbVideoPlugin::currentPluginChanged, &plugin, [&] {
-        events += QStringLiteral("changed to ") + plugin.currentPlugin();
-        events += QStringLiteral("stored ") + m_settings.string(kKey, QString());
-    });
+    connect(&plugin, &OrbVideoPlugin::currentPluginChanged, &plugin,
+            [&] { events += QStringLiteral("stored ") + m_settings.string(kKey, QString()); });
     connect(&plugin, &OrbVideoPlugin::displayMessage, &plugin,
             [&](const QString &message) { events += message; });
-    QVERIFY(plugin.setProperty("currentPlugin", QStringLiteral("gst")));
-    const QStringList expected{QStringLiteral("changed to gst"), QStringLiteral("stored gst"),
+    plugin.setCurrentPlugin(plugin.currentPlugin());
+    QVERIFY(events.isEmpty() && !m_settings.contains(kKey));
+    plugin.setCurrentPlugin(QStringLiteral("gst"));
+    const QStringList expected{QStringLiteral("stored gst"),
                                QStringLiteral(
                                    "You must restart to apply modifications on video plugin.")};
     QCOMPARE(events, expected);
 
-    const OrbVideoPlugin next(&m_settings);
-    QCOMPARE(next.currentPlugin(), QStringLiteral("gst"));
-}
-
-void tst_OrbVideoPlugin::theCurrentRowChangesNothing()
-{
-    OrbVideoPlugin plugin(&m_settings);
-    QSignalSpy changed(&plugin, &OrbVideoPlugin::currentPluginChanged);
-    QSignalSpy message(&plugin, &OrbVideoPlugin::displayMessage);
-    plugin.setCurrentPlugin(plugin.currentPlugin());
-    QCOMPARE(changed.count() + message.count(), 0);
-    QVERIFY(!m_settings.contains(kKey));
+    for (const QString &stored : {QStringLiteral("gst"), QStringLiteral("no backend")}) {
+        m_settings.write(kKey, stored);
+        QCOMPARE(OrbVideoPlugin(&m_settings).currentPlugin(), stored);
+    }
 }
 
 void tst_OrbVideoPlugin::hardwareDecodingFollowsTheChoice_data()
@@ -169,37 +131,30 @@ void tst_OrbVideoPlugin::hardwareDecodingFollowsTheChoice()
     QCOMPARE(m_settings.string(kKey, QString()), choice);
 }
 
-void tst_OrbVideoPlugin::libVlcIsStartedByTheOptions_data()
-{
-    QTest::addColumn<bool>("hardware");
-    QTest::addColumn<bool>("silent");
-    QTest::addColumn<QByteArray>("more");
-    QTest::newRow("plain") << false << false << QByteArray();
-    QTest::newRow("hardware") << true << false << QByteArray(" --avcodec-hw=vaapi");
-    QTest::newRow("silent") << false << true << QByteArray(" --noaudio");
-    QTest::newRow("both") << true << true << QByteArray(" --avcodec-hw=vaapi --noaudio");
-}
-
 void tst_OrbVideoPlugin::libVlcIsStartedByTheOptions()
 {
-    QFETCH(bool, hardware);
-    QFETCH(bool, silent);
-    QFETCH(QByteArray, more);
     VlcOptions options;
-    options.hardwareDecoding = hardware;
-    options.disableAudio = silent;
-    QByteArrayList arguments;
-    for (const QByteArray &argument : vlcArguments(options))
-        arguments += argument;
-    QCOMPARE(arguments.join(' '),
-             QByteArray("--verbose=2 --quiet --intf dummy --ignore-config") + more);
-    // libVLC refuses what it does not know.
-    std::vector<const char *> texts;
-    for (const QByteArray &argument : qAsConst(arguments))
-        texts.push_back(argument.constData());
-    libvlc_instance_t *instance = libvlc_new(int(texts.size()), texts.data());
-    QVERIFY(instance);
-    libvlc_release(instance);
+    QByteArray expected = "--verbose=2 --quiet --intf dummy --ignore-config";
+    const auto check = [&] {
+        QByteArrayList arguments;
+        for (const QByteArray &argument : vlcArguments(options))
+            arguments += argument;
+        QCOMPARE(arguments.join(' '), expected);
+        // libVLC refuses what it does not know.
+        std::vector<const char *> texts;
+        for (const QByteArray &argument : qAsConst(arguments))
+            texts.push_back(argument.constData());
+        libvlc_instance_t *instance = libvlc_new(int(texts.size()), texts.data());
+        QVERIFY(instance);
+        libvlc_release(instance);
+    };
+    check();
+    options.hardwareDecoding = true;
+    expected += " --avcodec-hw=vaapi";
+    check();
+    options.disableAudio = true;
+    expected += " --noaudio";
+    check();
 }
 
 QTEST_GUILESS_MAIN(tst_OrbVideoPlugin)

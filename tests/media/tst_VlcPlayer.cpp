@@ -29,19 +29,15 @@ class tst_VlcPlayer : public WarningsFail
 private slots:
     void initTestCase();
     void theFilmIsFollowedFromStartToEnd();
-    void aSeekWhilePausedShowsPositionAndFrameAtOnce_data();
     void aSeekWhilePausedShowsPositionAndFrameAtOnce();
     void aStandingPictureIsUploadedOnce();
     void theEndIsReachedAndTheFilmStartsAgain();
     void anEmptySourceChangesNothing();
-    void anotherFileTakesOver();
-    void theItemTakesTheSizeOfTheFrameIfItShould();
+    void anotherFileTakesOverWithItsSize();
     void theVolumeIsThatOfLibVlc_data();
     void theVolumeIsThatOfLibVlc();
     void badMediaAreReportedAndTheNextFilePlays_data();
     void badMediaAreReportedAndTheNextFilePlays();
-    void namesAreOpenedWhateverTheyHold_data();
-    void namesAreOpenedWhateverTheyHold();
     void aServerThatNeverAnswersHoldsNothingUp();
     void aPauseWhileOpeningHoldsAndPlayGoesOn();
     void aWindowThatIsNotShownHoldsNothingUp_data();
@@ -88,17 +84,8 @@ void tst_VlcPlayer::theFilmIsFollowedFromStartToEnd()
     QVERIFY(last > kFilmFrames * kFrameMs / 2);
 }
 
-void tst_VlcPlayer::aSeekWhilePausedShowsPositionAndFrameAtOnce_data()
-{
-    QTest::addColumn<int>("ms");
-    QTest::newRow("a keyframe") << 1000;
-    QTest::newRow("amid a group of pictures") << 2600;
-    QTest::newRow("back") << 200;
-}
-
 void tst_VlcPlayer::aSeekWhilePausedShowsPositionAndFrameAtOnce()
 {
-    QFETCH(int, ms);
     VlcStage stage;
     stage.show();
     stage.playFile(film());
@@ -106,14 +93,18 @@ void tst_VlcPlayer::aSeekWhilePausedShowsPositionAndFrameAtOnce()
     stage.player->pause();
     QVERIFY(stage.waitForState(Player::Paused));
     QSignalSpy positions(stage.player.get(), &Player::positionChanged);
-    stage.player->seek(ms);
-    QCOMPARE(positions.count(), 1);
-    QCOMPARE(positions.first().first().toInt(), ms);
-    QVERIFY(stage.waitForFrame(
-        [ms](int number) { return qAbs(number * kFrameMs - ms) <= 2 * kFrameMs; }));
-    QCOMPARE(stage.state(), Player::Paused);
+    // To a keyframe, amid a group of pictures, and back.
+    for (const int ms : {1000, 2600, 200}) {
+        positions.clear();
+        stage.player->seek(ms);
+        QCOMPARE(positions.count(), 1);
+        QCOMPARE(positions.first().first().toInt(), ms);
+        QVERIFY(stage.waitForFrame(
+            [ms](int number) { return qAbs(number * kFrameMs - ms) <= 2 * kFrameMs; }));
+        QCOMPARE(stage.state(), Player::Paused);
+    }
     stage.player->play();
-    QVERIFY(stage.waitForFrame([ms](int number) { return number * kFrameMs > ms + 100; }));
+    QVERIFY(stage.waitForFrame([](int number) { return number * kFrameMs > 300; }));
 }
 
 /// libVLC hands the picture of a pause over several times a second.
@@ -169,30 +160,21 @@ void tst_VlcPlayer::anEmptySourceChangesNothing()
     QCOMPARE(stage.player->source(), QUrl::fromLocalFile(film()));
 }
 
-void tst_VlcPlayer::anotherFileTakesOver()
-{
-    VlcStage stage;
-    stage.show();
-    stage.playFile(film());
-    QVERIFY(stage.waitForFrame([](int number) { return number >= 5; }));
-    stage.playFile(path(QStringLiteral("other.mkv")));
-    QVERIFY(stage.waitForFrame([](int number) { return number >= 1005; }));
-    QCOMPARE(stage.texture().size(), QSize(1024, 512));
-    QVERIFY(!stage.states.contains(Player::Ended)); // nothing of the first file's way out
-    QVERIFY(!stage.states.contains(Player::Error));
-}
-
-void tst_VlcPlayer::theItemTakesTheSizeOfTheFrameIfItShould()
+void tst_VlcPlayer::anotherFileTakesOverWithItsSize()
 {
     VlcStage stage;
     stage.show();
     stage.player->setNativeSize(false);
     stage.playFile(film());
-    QVERIFY(stage.waitForFrame([](int number) { return number >= 1; }));
+    QVERIFY(stage.waitForFrame([](int number) { return number >= 5; }));
     QCOMPARE(stage.player->size(), QSizeF(320, 200));
     stage.player->setNativeSize(true);
     stage.playFile(path(QStringLiteral("other.mkv")));
-    QTRY_COMPARE(stage.player->size(), QSizeF(1024, 512));
+    QVERIFY(stage.waitForFrame([](int number) { return number >= 1005; }));
+    QCOMPARE(stage.texture().size(), QSize(1024, 512));
+    QTRY_COMPARE(stage.player->size(), QSizeF(1024, 512)); // if it should
+    QVERIFY(!stage.states.contains(Player::Ended));        // nothing of the first file's way out
+    QVERIFY(!stage.states.contains(Player::Error));
 }
 
 void tst_VlcPlayer::theVolumeIsThatOfLibVlc_data()
@@ -223,39 +205,24 @@ void tst_VlcPlayer::theVolumeIsThatOfLibVlc()
 
 void tst_VlcPlayer::badMediaAreReportedAndTheNextFilePlays_data()
 {
-    const auto file = [this](const char *name, const QByteArray &content) {
-        QFile made(path(QLatin1String(name)));
-        if (made.open(QIODevice::WriteOnly))
-            made.write(content);
-        return QUrl::fromLocalFile(made.fileName());
-    };
-    const auto encoded = [this](const char *name, const char *input) {
+    // More of them, and each in the real program: tst_VideoSources.
+    const auto encoded = [this](const char *name, const QString &input) {
         QProcess::execute(QStringLiteral("ffmpeg"),
                           QStringLiteral("-y -v error %1 %2")
-                              .arg(QLatin1String(input), path(QLatin1String(name)))
+                              .arg(input, path(QLatin1String(name)))
                               .split(QLatin1Char(' ')));
         return QUrl::fromLocalFile(path(QLatin1String(name)));
     };
-    QByteArray noise;
-    for (int i = 0; i < 100000; ++i)
-        noise += char((i * 7919) >> 3);
-    QFile whole(film());
-    QVERIFY(whole.open(QIODevice::ReadOnly));
-    file("titles.srt", "1\n00:00:00,000 --> 00:00:01,000\nhello\n");
+    QFile titles(path(QStringLiteral("titles.srt")));
+    QVERIFY(titles.open(QIODevice::WriteOnly));
+    titles.write("1\n00:00:00,000 --> 00:00:01,000\nhello\n");
+    titles.close();
 
     QTest::addColumn<QUrl>("url");
     QTest::newRow("a missing file") << QUrl::fromLocalFile(path(QStringLiteral("missing.mp4")));
-    QTest::newRow("a folder") << QUrl::fromLocalFile(m_folder.path());
-    QTest::newRow("no bytes") << file("zero.mp4", {});
-    QTest::newRow("noise") << file("noise.mp4", noise);
-    QTest::newRow("cut before its index") << file("cut.mp4", whole.read(whole.size() / 2));
-    QTest::newRow("sound alone") << encoded("sound.mp4", "-f lavfi -i sine=d=5");
-    QTest::newRow("short sound") << encoded("short.mp4", "-f lavfi -i sine=d=0.4");
+    QTest::newRow("short sound") << encoded("short.mp4", QStringLiteral("-f lavfi -i sine=d=0.4"));
     QTest::newRow("subtitles alone")
-        << encoded("titles.mp4",
-                   qPrintable(QStringLiteral("-i %1 -c:s mov_text")
-                                  .arg(path(QStringLiteral("titles.srt")))));
-    QTest::newRow("a server that refuses") << QUrl(QStringLiteral("http://127.0.0.1:9/film.mp4"));
+        << encoded("titles.mp4", QStringLiteral("-i %1 -c:s mov_text").arg(titles.fileName()));
     QTest::newRow("an unknown scheme") << QUrl(QStringLiteral("nonsense://film"));
 }
 
@@ -273,24 +240,6 @@ void tst_VlcPlayer::badMediaAreReportedAndTheNextFilePlays()
     stage.playFile(film());
     QVERIFY(stage.waitForFrame([](int number) { return number >= 5; }));
     QCOMPARE(stage.state(), Player::Playing);
-}
-
-void tst_VlcPlayer::namesAreOpenedWhateverTheyHold_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::newRow("blanks") << QStringLiteral("a film .mp4");
-    QTest::newRow("characters of addresses") << QStringLiteral("100%25 #1 ?&+ film.mp4");
-    QTest::newRow("letters of the world") << QStringLiteral("Фильм-映画-ñ.mp4");
-}
-
-void tst_VlcPlayer::namesAreOpenedWhateverTheyHold()
-{
-    QFETCH(QString, name);
-    QVERIFY(QFile::exists(path(name)) || QFile::copy(film(), path(name)));
-    VlcStage stage;
-    stage.show();
-    stage.playFile(path(name));
-    QVERIFY(stage.waitForFrame([](int number) { return number >= 2; }));
 }
 
 void tst_VlcPlayer::aServerThatNeverAnswersHoldsNothingUp()

@@ -1,5 +1,7 @@
 #include "ClipWriter.h"
+#include "Garbage.h"
 #include "ProcessLevel.h"
+#include "SoakShare.h"
 #include "VlcOptions.h"
 #include "VlcStage.h"
 #include "WarningsFail.h"
@@ -9,8 +11,6 @@
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <algorithm>
 
 #include <malloc.h>
 
@@ -23,14 +23,6 @@ constexpr int kShortFrames = 12;
 constexpr int kLongFrames = 250;
 constexpr int kLargeBlock = 1 << 17; ///< bytes, from which on memory is mapped by itself
 constexpr int kNumbersApart = 1000;  ///< between the first frames of two films
-
-/// So many times, for a whole soak; the environment variable SOAK_SHARE takes a part of it.
-int times(int whole)
-{
-    bool isNumber = false;
-    const double share = qEnvironmentVariable("SOAK_SHARE").toDouble(&isNumber);
-    return std::max(1, qRound(whole * (isNumber ? share : 0.1)));
-}
 
 struct Source
 {
@@ -100,11 +92,10 @@ void tst_VlcSoak::initTestCase()
     clip.pixelFormat = QStringLiteral("yuv420p10le");
     write("deep.mkv", clip);
 
-    QByteArray bytes(1 << 16, '\0');
-    std::generate(bytes.begin(), bytes.end(), [this] { return char(m_random.bounded(256)); });
-    QFile garbage(path("garbage.mp4"));
-    QVERIFY(garbage.open(QIODevice::WriteOnly) && garbage.write(bytes) == bytes.size());
-    garbage.close();
+    QFile noFilm(path("garbage.mp4"));
+    QVERIFY(noFilm.open(QIODevice::WriteOnly));
+    noFilm.write(garbage(1 << 16));
+    noFilm.close();
     const QStringList sound =
         QStringLiteral("-v error -f lavfi -i sine=duration=0.5").split(QLatin1Char(' '))
         << path("sound.ogg");
@@ -151,7 +142,7 @@ void tst_VlcSoak::openAndWatch(const Source &source)
 
 void tst_VlcSoak::filesFollowEachOther()
 {
-    for (int i = 0; i < times(200) && !QTest::currentTestFailed(); ++i)
+    for (int i = 0; i < soakTimes(200) && !QTest::currentTestFailed(); ++i)
         openAndWatch(m_sources.at(m_random.bounded(m_sources.size())));
 }
 
@@ -159,7 +150,7 @@ void tst_VlcSoak::aFilmRunsInALoop()
 {
     const Source &film = m_sources.at(1);
     openAndWatch(film);
-    for (int i = 0; i < times(100) && !QTest::currentTestFailed(); ++i) {
+    for (int i = 0; i < soakTimes(100) && !QTest::currentTestFailed(); ++i) {
         QVERIFY(m_stage->waitForState(Player::Ended));
         m_stage->states.clear();
         m_stage->player->restart();
@@ -171,7 +162,7 @@ void tst_VlcSoak::aFilmRunsInALoop()
 
 void tst_VlcSoak::aPlaylistStepsOn()
 {
-    for (int i = 0; i < times(100) && !QTest::currentTestFailed(); ++i) {
+    for (int i = 0; i < soakTimes(100) && !QTest::currentTestFailed(); ++i) {
         openAndWatch(m_sources.at(1 + i % 2));
         QVERIFY(m_stage->waitForState(Player::Ended));
     }
@@ -185,7 +176,7 @@ void tst_VlcSoak::controlsComeInAnyOrder()
         return QTest::qWaitFor(
             [&] { return m_stage->state() == wanted || m_stage->state() == Player::Ended; });
     };
-    for (int i = 1; i <= times(500); ++i) {
+    for (int i = 1; i <= soakTimes(500); ++i) {
         // libVLC 3 may stay paused when orders come faster than it follows them, and may not show
         // the last of several seeks while it is paused.
         const bool watch = i % 3 == 0;
@@ -217,7 +208,7 @@ void tst_VlcSoak::controlsComeInAnyOrder()
 
 void tst_VlcSoak::aWindowMayBeShownLate()
 {
-    for (int i = 0; i < times(10); ++i) {
+    for (int i = 0; i < soakTimes(10); ++i) {
         VlcStage stage;
         stage.playFile(m_sources.first().path);
         QVERIFY(stage.waitForState(Player::Playing));
@@ -249,7 +240,7 @@ void tst_VlcSoak::aPlayerMayGoAtAnyTime()
     QFETCH(int, state);
     QFETCH(bool, shown);
     constexpr int kLongestMs = 500;
-    for (int i = 0; i < times(20); ++i, ++m_players) {
+    for (int i = 0; i < soakTimes(20); ++i, ++m_players) {
         VlcOptions::process().textureTransfer = 2 + m_players % 2;
         auto window = std::make_unique<QQuickWindow>();
         auto *player = new Player(window->contentItem());
@@ -280,7 +271,7 @@ void tst_VlcSoak::aPlayerMayGoAfterItsFirstPicture()
     QQuickWindow window;
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
-    for (int i = 0; i < times(20); ++i) {
+    for (int i = 0; i < soakTimes(20); ++i) {
         auto player = std::make_unique<Player>(window.contentItem());
         player->setSize({320, 200});
         player->openFile(QUrl::fromLocalFile(m_sources.first().path));

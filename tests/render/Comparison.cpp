@@ -58,12 +58,8 @@ double Comparison::wrongShare() const
 
 QString Comparison::toString() const
 {
-    return QStringLiteral(
-               "%1 % wrong of %2 pixels (%3 % of those defined), largest error %4 at %5, %6")
-        .arg(100 * wrongShare(), 0, 'f', 3)
-        .arg(m_compared)
-        .arg(100 * comparedShare(), 0, 'f', 1)
-        .arg(m_maxError, 0, 'f', 2)
-        .arg(m_worst.x())
-        .arg(m_worst.y());
+    return QString::asprintf("%.3f %% wrong of %d pixels (%.1f %% of those defined), largest error "
+                             "%.2f at %d, %d",
+                             100 * wrongShare(), m_compared, 100 * comparedShare(), m_maxError,
+                             m_worst.x(), m_worst.y());
 }

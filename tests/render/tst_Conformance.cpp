@@ -89,12 +89,8 @@ void apply(const ViewSettings &settings, PanoramaStage &stage)
 
 QString describe(const ViewSettings &s)
 {
-    return QStringLiteral("projection %1, yaw %2, pitch %3, roll %4, fov %5")
-        .arg(s.projection)
-        .arg(double(s.yaw))
-        .arg(double(s.pitch))
-        .arg(double(s.roll))
-        .arg(double(s.fovDeg));
+    return QString::asprintf("projection %d, yaw %g, pitch %g, roll %g, fov %g", s.projection,
+                             double(s.yaw), double(s.pitch), double(s.roll), double(s.fovDeg));
 }
 
 /// The views through which each further setting is looked at. Two are from close by, one where the

@@ -47,11 +47,7 @@ private slots:
     void init();
     void cleanup();
     void withTheFeedTheStoredNameIsIgnored();
-    void anItemWithoutATextureLeavesTheName_data();
-    void anItemWithoutATextureLeavesTheName();
-    void anItemsTextureArrivesWithinTwoFrames();
-    void aSecondItemReplacesTheFirstAtTheNextFrame();
-    void anItemThatGoesAwayLeavesTheName();
+    void theNameFollowsTheItemsThatHaveATexture();
 
 private:
     void show();
@@ -149,69 +145,40 @@ void tst_OrbTextureProvider::withTheFeedTheStoredNameIsIgnored()
     QCOMPARE(m_provider->textureId(), kNoProgramFeeds);
 }
 
-void tst_OrbTextureProvider::anItemWithoutATextureLeavesTheName_data()
+void tst_OrbTextureProvider::theNameFollowsTheItemsThatHaveATexture()
 {
-    QTest::addColumn<bool>("hasItem");
-    QTest::newRow("a plain item") << true;
-    QTest::newRow("no item") << false;
-}
-
-void tst_OrbTextureProvider::anItemWithoutATextureLeavesTheName()
-{
-    QFETCH(bool, hasItem);
+    const QColor red(200, 30, 90);
+    const QColor green(10, 220, 40);
     show();
-    m_provider->setShaderEffectSource(addColouredSource(Qt::green));
-    QVERIFY(waitForFrames(2));
-    const int name = m_provider->textureId();
-    QVERIFY(name != 0);
-
+    QQuickItem *first = addColouredSource(red);
+    QQuickItem *second = addColouredSource(green);
     QSignalSpy changed(m_provider.get(), &OrbTextureProvider::textureIdChanged);
-    QQuickItem plain(m_window->contentItem());
-    m_provider->setShaderEffectSource(hasItem ? &plain : nullptr);
-    QVERIFY(waitForFrames(2));
-    QCOMPARE(m_provider->textureId(), name);
-    QCOMPARE(changed.count(), 0);
-}
-
-void tst_OrbTextureProvider::anItemsTextureArrivesWithinTwoFrames()
-{
-    show();
-    QSignalSpy changed(m_provider.get(), &OrbTextureProvider::textureIdChanged);
-    m_provider->setShaderEffectSource(addColouredSource(QColor(200, 30, 90)));
+    m_provider->setShaderEffectSource(first);
     QVERIFY(waitForFrames(2));
     QCOMPARE(changed.count(), 1);
+    const int firstName = m_provider->textureId();
     QVERIFY(waitForFrames(1));
-    QCOMPARE(colourOfTheName(), QColor(200, 30, 90));
-}
-
-void tst_OrbTextureProvider::aSecondItemReplacesTheFirstAtTheNextFrame()
-{
-    show();
-    QQuickItem *first = addColouredSource(QColor(200, 30, 90));
-    QQuickItem *second = addColouredSource(QColor(10, 220, 40));
-    m_provider->setShaderEffectSource(first);
-    QVERIFY(waitForFrames(3));
-    const int name = m_provider->textureId();
-    QCOMPARE(colourOfTheName(), QColor(200, 30, 90));
+    QCOMPARE(colourOfTheName(), red);
 
     m_provider->setShaderEffectSource(second);
-    QCOMPARE(m_provider->textureId(), name);
+    QCOMPARE(m_provider->textureId(), firstName); // until the next frame
     QVERIFY(waitForFrames(3));
-    QVERIFY(m_provider->textureId() != name);
-    QCOMPARE(colourOfTheName(), QColor(10, 220, 40));
-}
+    const int secondName = m_provider->textureId();
+    QVERIFY(secondName != firstName);
+    QCOMPARE(colourOfTheName(), green);
 
-void tst_OrbTextureProvider::anItemThatGoesAwayLeavesTheName()
-{
-    show();
-    QQuickItem *item = addColouredSource(Qt::green);
-    m_provider->setShaderEffectSource(item);
+    // What has no texture, or goes away, leaves the name.
+    QQuickItem plain(m_window->contentItem());
+    m_provider->setShaderEffectSource(&plain);
     QVERIFY(waitForFrames(2));
-    const int name = m_provider->textureId();
-    QVERIFY(name != 0);
-    delete item;
+    m_provider->setShaderEffectSource(nullptr);
     QVERIFY(waitForFrames(2));
-    QCOMPARE(m_provider->textureId(), name);
+    m_provider->setShaderEffectSource(second);
+    QVERIFY(waitForFrames(2));
+    delete second;
+    QVERIFY(waitForFrames(2));
+    QCOMPARE(m_provider->textureId(), secondName);
+    QCOMPARE(changed.count(), 2);
 }
 
 QTEST_MAIN(tst_OrbTextureProvider)

@@ -1,6 +1,7 @@
 #include "PanoramaStage.h"
 #include "WarningsFail.h"
 
+#include <QMetaProperty>
 #include <QMutex>
 #include <QOpenGLContext>
 #include <QOpenGLFunctions>
@@ -133,13 +134,9 @@ void tst_OrbixSightView::onlyAChangeRebuildsTheProgram()
     QVERIFY(isAll(stage.picture(), Qt::black));
 
     OrbShaderCodeBuilder &builder = stage.builder;
-    builder.setOculusMode(builder.oculusMode());
-    builder.setEffect(builder.effect());
-    builder.setProjection(builder.projection());
-    builder.setStereoMode(builder.stereoMode());
-    builder.setProjectionSource(builder.projectionSource());
-    builder.setRotationSource(builder.rotationSource());
-    builder.setInvertedColors(builder.invertedColors());
+    const QMetaObject *type = builder.metaObject();
+    for (int i = type->propertyOffset(); i < type->propertyCount(); ++i)
+        type->property(i).write(&builder, type->property(i).read(&builder));
     stage.state.setYaw(1);
     stage.state.setFov(60);
     QVERIFY(isAll(stage.picture(), Qt::black));

@@ -6,39 +6,9 @@
 #include <QOpenGLContext>
 #include <QtTest>
 
-#include <memory>
-
 using Builder = OrbShaderCodeBuilder;
 
 namespace {
-
-/// A current context of one kind of OpenGL, without a window.
-class OffscreenOpenGl
-{
-public:
-    explicit OffscreenOpenGl(bool es)
-    {
-        QSurfaceFormat format;
-        format.setRenderableType(es ? QSurfaceFormat::OpenGLES : QSurfaceFormat::OpenGL);
-        m_context.setFormat(format);
-        m_surface.setFormat(format);
-        m_surface.create();
-        m_current = m_context.create() && m_context.makeCurrent(&m_surface);
-    }
-
-    bool isCurrent() const { return m_current; }
-    bool isEs() const { return m_context.isOpenGLES(); }
-
-private:
-    QOffscreenSurface m_surface;
-    QOpenGLContext m_context;
-    bool m_current = false;
-};
-
-bool links(const Builder &builder, bool headset)
-{
-    return PanoramaProgram::create(builder.build(headset)) != nullptr;
-}
 
 QByteArray describe(const Builder &builder, bool headset)
 {
@@ -47,6 +17,13 @@ QByteArray describe(const Builder &builder, bool headset)
         + QByteArray::number(int(builder.invertedColors())) + " source "
         + QByteArray::number(builder.projectionSource()) + " axis "
         + QByteArray::number(builder.rotationSource()) + (headset ? " headset" : " window");
+}
+
+void link(const Builder &builder)
+{
+    for (const bool headset : {false, true})
+        QVERIFY2(PanoramaProgram::create(builder.build(headset)),
+                 describe(builder, headset).constData());
 }
 
 } // namespace
@@ -58,8 +35,6 @@ class tst_ShaderCompile : public WarningsFail
 private slots:
     void everyCombinationLinks_data();
     void everyCombinationLinks();
-    void anUnknownProjectionIsRefused_data();
-    void anUnknownProjectionIsRefused();
 };
 
 void tst_ShaderCompile::everyCombinationLinks_data()
@@ -77,9 +52,15 @@ void tst_ShaderCompile::everyCombinationLinks()
 {
     QFETCH(bool, es);
     QFETCH(int, projection);
-    const OffscreenOpenGl gl(es);
-    QVERIFY(gl.isCurrent());
-    QCOMPARE(gl.isEs(), es);
+    QSurfaceFormat format;
+    format.setRenderableType(es ? QSurfaceFormat::OpenGLES : QSurfaceFormat::OpenGL);
+    QOpenGLContext context;
+    context.setFormat(format);
+    QOffscreenSurface surface;
+    surface.setFormat(format);
+    surface.create();
+    QVERIFY(context.create() && context.makeCurrent(&surface));
+    QCOMPARE(context.isOpenGLES(), es);
 
     Builder builder;
     builder.setProjection(projection);
@@ -90,8 +71,7 @@ void tst_ShaderCompile::everyCombinationLinks()
             builder.setStereoMode(stereo);
             for (const bool exchanged : {false, true}) {
                 builder.setInvertedColors(exchanged);
-                for (const bool headset : {false, true})
-                    QVERIFY2(links(builder, headset), describe(builder, headset).constData());
+                link(builder);
             }
         }
     }
@@ -102,32 +82,9 @@ void tst_ShaderCompile::everyCombinationLinks()
         builder.setProjectionSource(source);
         for (const int axis : {0, 2}) {
             builder.setRotationSource(axis);
-            for (const bool headset : {false, true})
-                QVERIFY2(links(builder, headset), describe(builder, headset).constData());
+            link(builder);
         }
     }
-}
-
-void tst_ShaderCompile::anUnknownProjectionIsRefused_data()
-{
-    QTest::addColumn<bool>("es");
-    QTest::newRow("desktop OpenGL") << false;
-    QTest::newRow("OpenGL ES") << true;
-}
-
-void tst_ShaderCompile::anUnknownProjectionIsRefused()
-{
-    QFETCH(bool, es);
-    const OffscreenOpenGl gl(es);
-    QVERIFY(gl.isCurrent());
-    QCOMPARE(gl.isEs(), es);
-
-    Builder builder;
-    builder.setProjection(Builder::LAST_VALUE_PROJECTION);
-    expectWarning(QStringLiteral("^QOpenGLShader::compile\\(Fragment\\)"));
-    expectWarning(QStringLiteral("^\\*\\*\\* Problematic Fragment shader source code"));
-    expectWarning(QStringLiteral("^The panorama's shader cannot be built: "));
-    QVERIFY(!links(builder, false));
 }
 
 QTEST_MAIN(tst_ShaderCompile)

@@ -7,9 +7,6 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-#include <memory>
-#include <vector>
-
 namespace {
 
 constexpr int kRowsOfTheTable = 169;
@@ -42,16 +39,6 @@ QList<QList<QByteArray>> tableRows()
     return rows;
 }
 
-/// The properties that the builder adds to QObject's.
-std::vector<QMetaProperty> builderProperties()
-{
-    const QMetaObject &type = OrbShaderCodeBuilder::staticMetaObject;
-    std::vector<QMetaProperty> properties;
-    for (int i = type.propertyOffset(); i < type.propertyCount(); ++i)
-        properties.push_back(type.property(i));
-    return properties;
-}
-
 } // namespace
 
 class tst_ShaderText : public WarningsFail
@@ -59,27 +46,16 @@ class tst_ShaderText : public WarningsFail
     Q_OBJECT
 
 private slots:
-    void theTableIsComplete();
     void theTextIsTheTablesToTheByte_data();
     void theTextIsTheTablesToTheByte();
-    void aPropertyTellsOfChangesOnlyAndTouchesNoOther_data();
     void aPropertyTellsOfChangesOnlyAndTouchesNoOther();
-    void nextStepsThroughAllAndWrapsToTheFirst_data();
-    void nextStepsThroughAllAndWrapsToTheFirst();
 };
-
-void tst_ShaderText::theTableIsComplete()
-{
-    const QList<QList<QByteArray>> rows = tableRows();
-    QVERIFY2(rows.size() >= kRowsOfTheTable, qPrintable(QString::number(rows.size())));
-    for (const QList<QByteArray> &row : rows)
-        QCOMPARE(row.size(), int(ColumnCount));
-}
 
 void tst_ShaderText::theTextIsTheTablesToTheByte_data()
 {
     QTest::addColumn<QList<QByteArray>>("row");
     const auto rows = tableRows();
+    QVERIFY2(rows.size() >= kRowsOfTheTable, qPrintable(QString::number(rows.size())));
     for (const QList<QByteArray> &row : rows)
         QTest::newRow(row.mid(0, Bytes).join(' ').constData()) << row;
 }
@@ -87,6 +63,7 @@ void tst_ShaderText::theTextIsTheTablesToTheByte_data()
 void tst_ShaderText::theTextIsTheTablesToTheByte()
 {
     QFETCH(QList<QByteArray>, row);
+    QCOMPARE(row.size(), int(ColumnCount));
     OrbShaderCodeBuilder builder;
     builder.setProjection(row.at(Projection).toInt());
     builder.setEffect(row.at(Effect).toInt());
@@ -100,64 +77,29 @@ void tst_ShaderText::theTextIsTheTablesToTheByte()
     QCOMPARE(QCryptographicHash::hash(text, QCryptographicHash::Sha256).toHex(), row.at(Sha256));
 }
 
-void tst_ShaderText::aPropertyTellsOfChangesOnlyAndTouchesNoOther_data()
-{
-    QTest::addColumn<int>("changed");
-    const std::vector<QMetaProperty> properties = builderProperties();
-    QCOMPARE(int(properties.size()), 7);
-    for (int i = 0; i < int(properties.size()); ++i)
-        QTest::newRow(properties[std::size_t(i)].name()) << i;
-}
-
 void tst_ShaderText::aPropertyTellsOfChangesOnlyAndTouchesNoOther()
 {
-    QFETCH(int, changed);
-    const std::vector<QMetaProperty> properties = builderProperties();
-    OrbShaderCodeBuilder builder;
-    std::vector<std::unique_ptr<QSignalSpy>> spies;
-    std::vector<QVariant> expected;
-    for (const QMetaProperty &property : properties) {
-        spies.push_back(std::make_unique<QSignalSpy>(&builder, property.notifySignal()));
-        expected.push_back(property.read(&builder));
-    }
-
-    const QMetaProperty &property = properties[std::size_t(changed)];
-    QVariant &value = expected[std::size_t(changed)];
-    value = value.type() == QVariant::Bool ? QVariant(!value.toBool())
-                                           : QVariant(value.toInt() + 2);
-    QVERIFY(property.write(&builder, value));
-    QVERIFY(property.write(&builder, value));
-
-    for (int i = 0; i < int(properties.size()); ++i) {
-        const auto at = std::size_t(i);
-        QCOMPARE(properties[at].read(&builder), expected[at]);
-        QCOMPARE(spies[at]->count(), i == changed ? 1 : 0);
-    }
-}
-
-void tst_ShaderText::nextStepsThroughAllAndWrapsToTheFirst_data()
-{
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<QByteArray>("step");
-    QTest::addColumn<QList<int>>("values");
-    QTest::newRow("effect") << QByteArray("effect") << QByteArray("setNextEffect")
-                            << QList<int>{1, 2, 3, 4, 5, 6, 7, 0, 1};
-    QTest::newRow("projection") << QByteArray("projection") << QByteArray("setNextProjection")
-                                << QList<int>{2, 3, 4, 0, 1};
-}
-
-void tst_ShaderText::nextStepsThroughAllAndWrapsToTheFirst()
-{
-    QFETCH(QByteArray, property);
-    QFETCH(QByteArray, step);
-    QFETCH(QList<int>, values);
     OrbShaderCodeBuilder builder;
     const QMetaObject *type = builder.metaObject();
-    QSignalSpy spy(&builder, type->property(type->indexOfProperty(property)).notifySignal());
-    for (int i = 0; i < values.size(); ++i) {
-        QVERIFY(QMetaObject::invokeMethod(&builder, step));
-        QCOMPARE(builder.property(property).toInt(), values.at(i));
-        QCOMPARE(spy.count(), i + 1);
+    const auto values = [&] {
+        QVariantMap all;
+        for (int i = type->propertyOffset(); i < type->propertyCount(); ++i)
+            all.insert(QLatin1String(type->property(i).name()), type->property(i).read(&builder));
+        return all;
+    };
+    QCOMPARE(values().size(), 7);
+    for (int i = type->propertyOffset(); i < type->propertyCount(); ++i) {
+        const QMetaProperty property = type->property(i);
+        QSignalSpy told(&builder, property.notifySignal());
+        QVariantMap expected = values();
+        QVariant &value = expected[QLatin1String(property.name())];
+        value = value.type() == QVariant::Bool ? QVariant(!value.toBool())
+                                               : QVariant(value.toInt() + 2);
+        const QVariant changed = value;
+        QVERIFY(property.write(&builder, changed));
+        QVERIFY(property.write(&builder, changed));
+        QCOMPARE(told.count(), 1);
+        QCOMPARE(values(), expected);
     }
 }
 

@@ -1,14 +1,9 @@
-#include "ClipWriter.h"
 #include "FrameCode.h"
 #include "WarningsFail.h"
 
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <cmath>
-
-Q_DECLARE_METATYPE(Clip)
 
 namespace {
 
@@ -54,23 +49,15 @@ private slots:
     void theNumberAndTheColoursAreFoundInAView();
     void theColoursAreThoseOfTheBars();
     void aPictureOfTwoFramesOrNoneHasNoNumber();
-    void aFilmHasTheNumbersAndColours_data();
-    void aFilmHasTheNumbersAndColours();
 };
 
 void tst_FrameCode::theNumberAndTheColoursAreFoundInAView_data()
 {
     QTest::addColumn<QSize>("picture");
     QTest::addColumn<QSize>("window");
-    QTest::addColumn<int>("number");
-
-    int number = 0;
     for (const QSize &window : {QSize(640, 480), QSize(1000, 600), QSize(1280, 720)}) {
-        for (const QSize &picture : {QSize(640, 320), QSize(1920, 960), QSize(3840, 1920)}) {
-            QTest::addRow("%d of %d", window.width(), picture.width())
-                << picture << window << number;
-            number = number ? FrameCode::kLargestNumber - number / 3 : FrameCode::kLargestNumber;
-        }
+        for (const QSize &picture : {QSize(640, 320), QSize(1920, 960), QSize(3840, 1920)})
+            QTest::addRow("%d of %d", window.width(), picture.width()) << picture << window;
     }
 }
 
@@ -78,11 +65,13 @@ void tst_FrameCode::theNumberAndTheColoursAreFoundInAView()
 {
     QFETCH(QSize, picture);
     QFETCH(QSize, window);
-    QFETCH(int, number);
-
-    const QImage screen = view(FrameCode::frame(picture, number), window);
-    QCOMPARE(FrameCode::read(screen), std::optional<int>(number));
-    QCOMPARE(FrameCode::colourError(screen, 90), 0);
+    for (const int number : {0, 0x1234, 0xa5c3, FrameCode::kLargestNumber}) {
+        const QImage frame = FrameCode::frame(picture, number);
+        const QImage screen = view(frame, window);
+        QCOMPARE(FrameCode::read(screen), std::optional<int>(number));
+        QCOMPARE(FrameCode::colourError(screen, 90), 0);
+        QCOMPARE(FrameCode::flatColourError(frame), 0);
+    }
 }
 
 void tst_FrameCode::theColoursAreThoseOfTheBars()
@@ -94,9 +83,11 @@ void tst_FrameCode::theColoursAreThoseOfTheBars()
     QCOMPARE(colours,
              QVector<QRgb>({0xffbfbfbf, 0xffbfbf00, 0xff00bfbf, 0xff00bf00, 0xffbf00bf, 0xffbf0000,
                             0xff0000bf, 0xff000000}));
-    // A wrong place shows: the first patch's colour stands where the last one is looked for.
-    QImage swapped = FrameCode::frame({1024, 512}, 0).mirrored(true, true);
-    QVERIFY(FrameCode::colourError(view(swapped, {640, 480}), 90) > 100);
+    // What is not where it should be shows, be it a few degrees.
+    const QImage frame = FrameCode::frame({1024, 512}, 0);
+    QVERIFY(FrameCode::colourError(view(frame.mirrored(true, false), {640, 480}), 90) > 100);
+    QVERIFY(FrameCode::colourError(view(frame, {640, 480}), 98) > 100);
+    QVERIFY(FrameCode::colourError(view(frame, {640, 480}), 82) > 100);
 }
 
 void tst_FrameCode::aPictureOfTwoFramesOrNoneHasNoNumber()
@@ -111,51 +102,6 @@ void tst_FrameCode::aPictureOfTwoFramesOrNoneHasNoNumber()
         flat.fill(colour);
         QCOMPARE(FrameCode::read(flat), kNone);
         QCOMPARE(FrameCode::read(torn(one, flat, 256)), kNone);
-    }
-}
-
-void tst_FrameCode::aFilmHasTheNumbersAndColours_data()
-{
-    QTest::addColumn<Clip>("clip");
-    QTest::addColumn<QString>("name");
-
-    Clip clip;
-    clip.frames = 5;
-    clip.firstNumber = 1000;
-    clip.toneHz = 440;
-    QTest::newRow("H.264") << clip << "film.mp4";
-    clip.codec = Clip::Vp9;
-    QTest::newRow("VP9") << clip << "film.webm";
-    clip.codec = Clip::Hevc;
-    clip.matrix = Clip::Bt709;
-    QTest::newRow("HEVC in BT.709") << clip << "film.mkv";
-    clip.fullRange = true;
-    QTest::newRow("HEVC in full range") << clip << "film.mov";
-}
-
-void tst_FrameCode::aFilmHasTheNumbersAndColours()
-{
-    QFETCH(Clip, clip);
-    QFETCH(QString, name);
-
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(name);
-    QCOMPARE(ClipWriter::write(path, clip), QString());
-    QProcess decoder;
-    const QString command = QStringLiteral("-v error -i %1 -f rawvideo -pix_fmt bgra -").arg(path);
-    decoder.start(QStringLiteral("ffmpeg"), command.split(QLatin1Char(' ')));
-    QVERIFY(decoder.waitForFinished());
-    const QByteArray pixels = decoder.readAllStandardOutput();
-    const int frameSize = clip.size.width() * clip.size.height() * 4;
-    QCOMPARE(pixels.size(), clip.frames * frameSize);
-    for (int i = 0; i < clip.frames; ++i) {
-        const QImage frame(reinterpret_cast<const uchar *>(pixels.constData())
-                               + std::ptrdiff_t(i) * frameSize,
-                           clip.size.width(), clip.size.height(), QImage::Format_RGB32);
-        const QImage screen = view(frame, {640, 480});
-        QCOMPARE(FrameCode::read(screen), std::optional<int>(clip.firstNumber + i));
-        const int error = FrameCode::colourError(screen, 90);
-        QVERIFY2(error <= 3, qPrintable(QString::number(error)));
     }
 }
 

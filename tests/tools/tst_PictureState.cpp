@@ -9,35 +9,16 @@ namespace {
 
 constexpr int kSide = 100;
 
-/// The first `percent` lines of a square, counted from the top.
-QRect topPart(int percent)
+/// A square whose pixels go through `colours` shades, none of them grey or black, below `percent`
+/// lines of one colour.
+QImage shades(int colours, int percent = 0, const QColor &above = {})
 {
-    return {0, 0, kSide, percent};
-}
-
-void fill(QImage &image, const QRect &part, const QColor &colour)
-{
-    for (int y = part.top(); y <= part.bottom(); ++y) {
-        for (int x = part.left(); x <= part.right(); ++x)
-            image.setPixelColor(x, y, colour);
-    }
-}
-
-/// A square whose pixels go through `colours` shades, none of them grey or black.
-QImage shades(int colours, QImage::Format format = QImage::Format_RGB32)
-{
-    QImage image(kSide, kSide, format);
+    QImage image(kSide, kSide, QImage::Format_RGB32);
     for (int i = 0; i < kSide * kSide; ++i) {
         const int shade = i % colours;
-        image.setPixelColor(i % kSide, i / kSide, QColor(200, shade / 256, shade % 256));
+        image.setPixelColor(i % kSide, i / kSide,
+                            i / kSide < percent ? above : QColor(200, shade / 256, shade % 256));
     }
-    return image;
-}
-
-QImage shadesBelow(int percent, const QColor &colour)
-{
-    QImage image = shades(1000);
-    fill(image, topPart(percent), colour);
     return image;
 }
 
@@ -58,32 +39,26 @@ void tst_PictureState::tellsAPictureFromWhatStandsInForIt_data()
     QTest::addColumn<PictureState>("expected");
 
     const QColor grey(128, 128, 128);
-    QImage startBox = shadesBelow(100, grey);
-    fill(startBox, {40, 40, 20, 20}, QColor(64, 64, 64));
-
-    QTest::newRow("no image") << QImage() << PictureState::Empty;
-    QTest::newRow("all black") << shadesBelow(100, Qt::black) << PictureState::Empty;
-    QTest::newRow("all of another colour") << shadesBelow(100, Qt::red) << PictureState::Empty;
-    QTest::newRow("a thin strip on black") << shadesBelow(91, Qt::black) << PictureState::Empty;
-    QTest::newRow("a picture on black") << shadesBelow(89, Qt::black) << PictureState::Picture;
-
-    QTest::newRow("the grey ground with its box") << startBox << PictureState::Placeholder;
-    QTest::newRow("all grey") << shadesBelow(100, grey) << PictureState::Placeholder;
-    QTest::newRow("31 % grey") << shadesBelow(31, grey) << PictureState::Placeholder;
-    QTest::newRow("30 % grey") << shadesBelow(30, grey) << PictureState::Picture;
-    QTest::newRow("a grey one step lighter")
-        << shadesBelow(50, QColor(129, 129, 129)) << PictureState::Picture;
-
-    QTest::newRow("63 colours") << shades(63) << PictureState::Empty;
-    QTest::newRow("64 colours") << shades(64) << PictureState::Picture;
-    QTest::newRow("24 bits a pixel, lines padded")
-        << shades(64, QImage::Format_RGB888).copy(0, 0, 99, 99) << PictureState::Picture;
-    QTest::newRow("alpha is no colour") << [] {
-        QImage image(kSide, kSide, QImage::Format_ARGB32);
-        for (int i = 0; i < kSide * kSide; ++i)
-            image.setPixelColor(i % kSide, i / kSide, QColor(200, 0, 0, i % 256));
-        return image;
-    }() << PictureState::Empty;
+    const QColor lighter(129, 129, 129);
+    QImage alphas(kSide, kSide, QImage::Format_ARGB32);
+    for (int i = 0; i < kSide * kSide; ++i)
+        alphas.setPixelColor(i % kSide, i / kSide, QColor(200, 0, 0, i % 256));
+    const QImage padded = shades(64).convertToFormat(QImage::Format_RGB888).copy(0, 0, 99, 99);
+    const auto row = [](const char *name, const QImage &grab, PictureState expected) {
+        QTest::newRow(name) << grab << expected;
+    };
+    row("no image", {}, PictureState::Empty);
+    row("all of one colour", shades(1), PictureState::Empty);
+    row("a thin strip on black", shades(1000, 91, Qt::black), PictureState::Empty);
+    row("a picture on black", shades(1000, 89, Qt::black), PictureState::Picture);
+    row("all grey", shades(1000, 100, grey), PictureState::Placeholder);
+    row("31 % grey", shades(1000, 31, grey), PictureState::Placeholder);
+    row("30 % grey", shades(1000, 30, grey), PictureState::Picture);
+    row("a grey one step lighter", shades(1000, 50, lighter), PictureState::Picture);
+    row("63 colours", shades(63), PictureState::Empty);
+    row("64 colours", shades(64), PictureState::Picture);
+    row("24 bits a pixel, lines padded", padded, PictureState::Picture);
+    row("alpha is no colour", alphas, PictureState::Empty);
 }
 
 void tst_PictureState::tellsAPictureFromWhatStandsInForIt()

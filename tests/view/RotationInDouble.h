@@ -24,31 +24,23 @@ inline Matrix product(const Matrix &a, const Matrix &b)
     return result;
 }
 
-inline Matrix aroundX(double angle)
+/// Around the axis x (0), y (1) or z (2).
+inline Matrix around(std::size_t axis, double angle)
 {
-    const double s = std::sin(angle);
-    const double c = std::cos(angle);
-    return {{{1, 0, 0}, {0, c, -s}, {0, s, c}}};
-}
-
-inline Matrix aroundY(double angle)
-{
-    const double s = std::sin(angle);
-    const double c = std::cos(angle);
-    return {{{c, 0, s}, {0, 1, 0}, {-s, 0, c}}};
-}
-
-inline Matrix aroundZ(double angle)
-{
-    const double s = std::sin(angle);
-    const double c = std::cos(angle);
-    return {{{c, -s, 0}, {s, c, 0}, {0, 0, 1}}};
+    const std::size_t first = (axis + 1) % 3;
+    const std::size_t second = (axis + 2) % 3;
+    Matrix result{};
+    result[axis][axis] = 1;
+    result[first][first] = result[second][second] = std::cos(angle);
+    result[second][first] = std::sin(angle);
+    result[first][second] = -std::sin(angle);
+    return result;
 }
 
 /// The view's rotation: roll first, then pitch up, then yaw to the right.
 inline Matrix view(double yaw, double pitch, double roll)
 {
-    return product(product(aroundY(-yaw), aroundX(-pitch)), aroundZ(roll));
+    return product(product(around(1, -yaw), around(0, -pitch)), around(2, roll));
 }
 
 /// The largest difference of an element. Infinite if the fourth row or column is not the

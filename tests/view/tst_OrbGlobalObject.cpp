@@ -3,6 +3,7 @@
 #include "RotationInDouble.h"
 #include "WarningsFail.h"
 
+#include <QPropertyAnimation>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -10,122 +11,98 @@
 
 namespace {
 
-constexpr float kPiF = 3.14159265F;
-constexpr double kSinglePrecision = 5e-7; // of the elements of a product of two rotations
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
-RotationInDouble::Matrix view(float yaw, float pitch, float roll)
+/// The rotation of a view, behind a mounting correction.
+RotationInDouble::Matrix view(float yaw, float pitch, float roll, float pitchCorrection = 0,
+                              float rollCorrection = 0)
 {
-    return RotationInDouble::view(double(yaw), double(pitch), double(roll));
+    using namespace RotationInDouble;
+    const Matrix correction = product(RotationInDouble::view(0, 0, double(rollCorrection)),
+                                      RotationInDouble::view(0, double(pitchCorrection), 0));
+    return product(correction, RotationInDouble::view(double(yaw), double(pitch), double(roll)));
+}
+
+bool isAt(const OrbGlobalObject &object, const RotationInDouble::Matrix &expected)
+{
+    constexpr double kSinglePrecision = 5e-7; // of the elements of a product of two rotations
+    return RotationInDouble::distance(object.rotationMatrix(), expected) < kSinglePrecision;
 }
 
 } // namespace
 
-/// The camera: angles, limits, the rotation matrix and its correction.
+/// The camera: angles, limits, the rotation matrix and its correction, smooth moves.
 class tst_OrbGlobalObject : public WarningsFail
 {
     Q_OBJECT
 
 private slots:
-    void anglesAreStoredAndSignalledOnce_data();
-    void anglesAreStoredAndSignalledOnce();
-    void valuesThatAreNotFiniteAreRefused_data();
-    void valuesThatAreNotFiniteAreRefused();
-    void theMatrixFollowsTheAngles();
+    void anglesAreFiniteAndSignalledOnce_data();
+    void anglesAreFiniteAndSignalledOnce();
+    void theMatrixFollowsTheAnglesAndTheirCorrection();
     void theMatrixStaysWhereTheCallerUpdatesIt();
-    void theCorrectionTurnsTheRotatedView();
-    void everyCorrectionIsAnnounced();
-    void aMatrixGivesTheAngles();
-    void theSameMatrixChangesNothing();
+    void aNewMatrixGivesTheAngles();
     void aSourceWithoutAPoseHasNoCorrection_data();
     void aSourceWithoutAPoseHasNoCorrection();
+    void aMoveGoesThroughValuesToItsTarget();
+    void aSecondMoveStartsWhereTheFirstStands();
+    void aMoveOfNothingIsReported_data();
+    void aMoveOfNothingIsReported();
 };
 
-void tst_OrbGlobalObject::anglesAreStoredAndSignalledOnce_data()
+void tst_OrbGlobalObject::anglesAreFiniteAndSignalledOnce_data()
 {
-    QTest::addColumn<QByteArray>("property");
     QTest::addColumn<float>("value");
     QTest::addColumn<float>("stored");
-
-    for (const char *wrapped : {"yaw", "pitch", "yawCorrection", "pitchCorrection"}) {
-        QTest::addRow("%s within a turn", wrapped) << QByteArray(wrapped) << 1.5F << 1.5F;
-        QTest::addRow("%s past pi", wrapped) << QByteArray(wrapped) << 3.2F << -3.0831854F;
-        QTest::addRow("%s of -pi", wrapped) << QByteArray(wrapped) << -kPiF << -kPiF;
-        QTest::addRow("%s of pi", wrapped) << QByteArray(wrapped) << kPiF << kPiF;
-    }
-    for (const char *plain : {"roll", "rollCorrection", "yawMin", "yawMax", "pitchMin", "pitchMax"})
-        QTest::addRow("%s", plain) << QByteArray(plain) << 7.0F << 7.0F;
-    QTest::newRow("fov has no limits here") << QByteArray("fov") << 500.0F << 500.0F;
+    for (const char *wrapped : {"yaw", "pitch", "yawCorrection", "pitchCorrection"})
+        QTest::newRow(wrapped) << 3.2F << -3.0831854F;
+    for (const char *plain :
+         {"roll", "rollCorrection", "yawMin", "yawMax", "pitchMin", "pitchMax", "fov"})
+        QTest::newRow(plain) << 500.0F << 500.0F;
 }
 
-void tst_OrbGlobalObject::anglesAreStoredAndSignalledOnce()
+void tst_OrbGlobalObject::anglesAreFiniteAndSignalledOnce()
 {
-    QFETCH(QByteArray, property);
     QFETCH(float, value);
     QFETCH(float, stored);
     GlobalObjectFixture f;
-    const QByteArray signal = "2" + property + "Changed()";
+    const char *property = QTest::currentDataTag();
+    const QByteArray signal = QByteArray("2") + property + "Changed()";
     QSignalSpy changed(&f.object, signal.constData());
 
-    QVERIFY(f.object.setProperty(property, value));
-    QVERIFY2(std::abs(f.object.property(property).toFloat() - stored) < 3e-7F,
-             qPrintable(f.object.property(property).toString()));
-    QCOMPARE(changed.count(), 1);
-    QVERIFY(f.object.setProperty(property, value));
-    QCOMPARE(changed.count(), 1);
-    // Another name of the same angle, where it is wrapped.
-    QVERIFY(f.object.setProperty(property, f.object.property(property)));
-    QCOMPARE(changed.count(), 1);
-}
-
-void tst_OrbGlobalObject::valuesThatAreNotFiniteAreRefused_data()
-{
-    QTest::addColumn<QByteArray>("property");
-    QTest::addColumn<float>("value");
-    for (const char *property : {"yaw", "pitch", "roll", "yawMin", "yawMax", "pitchMin", "pitchMax",
-                                 "fov", "yawCorrection", "pitchCorrection", "rollCorrection"}) {
-        QTest::addRow("%s not a number", property)
-            << QByteArray(property) << std::numeric_limits<float>::quiet_NaN();
-        QTest::addRow("%s infinite", property) << QByteArray(property) << HUGE_VALF;
-        QTest::addRow("%s negative infinite", property) << QByteArray(property) << -HUGE_VALF;
+    // The last but three is another name of the same angle, where it is wrapped.
+    for (const float next : {value, value, stored, kNaN, HUGE_VALF, -HUGE_VALF}) {
+        f.object.setProperty(property, next);
+        const float is = f.object.property(property).toFloat();
+        QVERIFY2(std::abs(is - stored) < 3e-7F, qPrintable(QString::number(double(is))));
     }
+    QCOMPARE(changed.count(), 1);
 }
 
-void tst_OrbGlobalObject::valuesThatAreNotFiniteAreRefused()
-{
-    QFETCH(QByteArray, property);
-    QFETCH(float, value);
-    GlobalObjectFixture f;
-    QVERIFY(f.object.setProperty(property, 0.5F));
-    const QMatrix4x4 matrix = f.object.rotationMatrix();
-    const QByteArray signal = "2" + property + "Changed()";
-    QSignalSpy changed(&f.object, signal.constData());
-
-    f.object.setProperty(property, value);
-    QCOMPARE(f.object.property(property).toFloat(), 0.5F);
-    QCOMPARE(changed.count(), 0);
-    QVERIFY(f.object.rotationMatrix() == matrix);
-}
-
-void tst_OrbGlobalObject::theMatrixFollowsTheAngles()
+void tst_OrbGlobalObject::theMatrixFollowsTheAnglesAndTheirCorrection()
 {
     GlobalObjectFixture f;
     QSignalSpy matrixChanged(&f.object, &OrbGlobalObject::rotationMatrixChanged);
     f.object.setYaw(0.5F);
-    QVERIFY(RotationInDouble::distance(f.object.rotationMatrix(), view(0.5F, 0, 0))
-            < kSinglePrecision);
+    QVERIFY(isAt(f.object, view(0.5F, 0, 0)));
     f.object.setPitch(-0.75F);
-    QVERIFY(RotationInDouble::distance(f.object.rotationMatrix(), view(0.5F, -0.75F, 0))
-            < kSinglePrecision);
+    QVERIFY(isAt(f.object, view(0.5F, -0.75F, 0)));
     f.object.setRoll(7);
-    QVERIFY(RotationInDouble::distance(f.object.rotationMatrix(), view(0.5F, -0.75F, 7))
-            < kSinglePrecision);
-    QCOMPARE(matrixChanged.count(), 3);
+    QVERIFY(isAt(f.object, view(0.5F, -0.75F, 7)));
+    f.object.setPitchCorrection(0.375F);
+    QVERIFY(isAt(f.object, view(0.5F, -0.75F, 7, 0.375F)));
+    f.object.setRollCorrection(-0.625F);
+    f.object.setRollCorrection(-0.625F);
+    QVERIFY(isAt(f.object, view(0.5F, -0.75F, 7, 0.375F, -0.625F)));
+    f.object.setYawCorrection(1);
+    QCOMPARE(matrixChanged.count(), 6);
+    QVERIFY(f.object.yaw() == 0.5F && f.object.pitch() == -0.75F && f.object.roll() == 7);
     f.object.setYawMin(-1);
     f.object.setYawMax(1);
     f.object.setPitchMin(-1);
     f.object.setPitchMax(1);
     f.object.setFov(20);
-    QCOMPARE(matrixChanged.count(), 3);
+    QCOMPARE(matrixChanged.count(), 6);
 }
 
 void tst_OrbGlobalObject::theMatrixStaysWhereTheCallerUpdatesIt()
@@ -135,46 +112,15 @@ void tst_OrbGlobalObject::theMatrixStaysWhereTheCallerUpdatesIt()
     f.object.setYaw(0.5F, false);
     f.object.setPitch(0.25F, false);
     f.object.setRoll(1, false);
-    QVERIFY(f.object.rotationMatrix() == QMatrix4x4());
     f.object.setPitchCorrection(0.5F, false);
     f.object.setRollCorrection(0.5F, false);
     QVERIFY(f.object.rotationMatrix() == QMatrix4x4());
     QCOMPARE(matrixChanged.count(), 0);
-
     f.object.setYaw(0.75F);
-    QVERIFY(RotationInDouble::distance(f.object.rotationMatrix(), view(0.75F, 0.25F, 1))
-            < kSinglePrecision);
+    QVERIFY(isAt(f.object, view(0.75F, 0.25F, 1)));
 }
 
-void tst_OrbGlobalObject::theCorrectionTurnsTheRotatedView()
-{
-    GlobalObjectFixture f;
-    f.object.setYaw(0.5F);
-    f.object.setPitch(0.25F);
-    f.object.setRoll(-1);
-    f.object.setPitchCorrection(0.375F);
-    f.object.setRollCorrection(-0.625F);
-    const auto correction = RotationInDouble::product(view(0, 0, -0.625F), view(0, 0.375F, 0));
-    const auto expected = RotationInDouble::product(correction, view(0.5F, 0.25F, -1));
-    QVERIFY(RotationInDouble::distance(f.object.rotationMatrix(), expected) < kSinglePrecision);
-    QVERIFY(f.object.yaw() == 0.5F && f.object.pitch() == 0.25F && f.object.roll() == -1);
-}
-
-void tst_OrbGlobalObject::everyCorrectionIsAnnounced()
-{
-    GlobalObjectFixture f;
-    QSignalSpy matrixChanged(&f.object, &OrbGlobalObject::rotationMatrixChanged);
-    f.object.setYawCorrection(1);
-    QCOMPARE(matrixChanged.count(), 1);
-    f.object.setPitchCorrection(0.5F);
-    QCOMPARE(matrixChanged.count(), 2);
-    f.object.setRollCorrection(0.5F);
-    QCOMPARE(matrixChanged.count(), 3);
-    f.object.setRollCorrection(0.5F);
-    QCOMPARE(matrixChanged.count(), 3);
-}
-
-void tst_OrbGlobalObject::aMatrixGivesTheAngles()
+void tst_OrbGlobalObject::aNewMatrixGivesTheAngles()
 {
     GlobalObjectFixture source;
     source.object.setYaw(-2.5F);
@@ -191,30 +137,19 @@ void tst_OrbGlobalObject::aMatrixGivesTheAngles()
     QVERIFY(std::abs(f.object.yaw() + 2.5F) < 1e-6F);
     QVERIFY(std::abs(f.object.pitch() - 0.75F) < 1e-6F);
     QVERIFY(std::abs(f.object.roll() - 1.25F) < 1e-6F);
-    QCOMPARE(matrixChanged.count(), 1);
-    QCOMPARE(yawChanged.count(), 1);
-    QCOMPARE(pitchChanged.count(), 1);
-    QCOMPARE(rollChanged.count(), 1);
-    const auto expected = RotationInDouble::product(view(0, 0.5F, 0), view(-2.5F, 0.75F, 1.25F));
-    QVERIFY(RotationInDouble::distance(f.object.rotationMatrix(), expected) < kSinglePrecision);
-}
+    for (const QSignalSpy *spy : {&matrixChanged, &yawChanged, &pitchChanged, &rollChanged})
+        QCOMPARE(spy->count(), 1);
+    QVERIFY(isAt(f.object, view(-2.5F, 0.75F, 1.25F, 0.5F)));
 
-void tst_OrbGlobalObject::theSameMatrixChangesNothing()
-{
-    GlobalObjectFixture f;
-    f.object.setYaw(0.5F);
-    f.object.setRoll(7); // another angle would come out of the matrix
-    const QMatrix4x4 matrix = f.object.rotationMatrix();
-    QSignalSpy matrixChanged(&f.object, &OrbGlobalObject::rotationMatrixChanged);
-    f.object.setRotationMatrix(matrix);
-    QCOMPARE(matrixChanged.count(), 0);
+    f.object.setRoll(7, false); // another angle would come out of the matrix
+    f.object.setRotationMatrix(source.object.rotationMatrix());
+    QCOMPARE(matrixChanged.count(), 1);
     QCOMPARE(f.object.roll(), 7.0F);
 }
 
 void tst_OrbGlobalObject::aSourceWithoutAPoseHasNoCorrection_data()
 {
     QTest::addColumn<QUrl>("url");
-    QTest::newRow("nothing") << QUrl();
     QTest::newRow("a video") << QUrl(QStringLiteral("file:///a.mp4"));
     QTest::newRow("an image that is not there") << QUrl(QStringLiteral("file:///missing.png"));
     QTest::newRow("an image on a server") << QUrl(QStringLiteral("http://host/a.jpg"));
@@ -229,17 +164,65 @@ void tst_OrbGlobalObject::aSourceWithoutAPoseHasNoCorrection()
     f.object.setPitchCorrection(0.5F);
     f.object.setRollCorrection(-0.5F);
     QSignalSpy matrixChanged(&f.object, &OrbGlobalObject::rotationMatrixChanged);
-    QSignalSpy rollChanged(&f.object, &OrbGlobalObject::rollCorrectionChanged);
     f.object.readMetaData(url);
     QVERIFY(f.object.yawCorrection() == 0 && f.object.pitchCorrection() == 0
             && f.object.rollCorrection() == 0);
-    QVERIFY(RotationInDouble::distance(f.object.rotationMatrix(), view(0.5F, 0, 0))
-            < kSinglePrecision);
-    QCOMPARE(rollChanged.count(), 1);
+    QVERIFY(isAt(f.object, view(0.5F, 0, 0)));
     QCOMPARE(matrixChanged.count(), 1);
-    f.object.readMetaData(url);
-    QCOMPARE(rollChanged.count(), 1);
-    QCOMPARE(matrixChanged.count(), 2);
+}
+
+void tst_OrbGlobalObject::aMoveGoesThroughValuesToItsTarget()
+{
+    GlobalObjectFixture f;
+    f.object.setFov(100);
+    QVector<float> values;
+    connect(&f.object, &OrbGlobalObject::fovChanged, &f.object,
+            [&] { values.append(f.object.fov()); });
+    f.object.interpolateValue("fov", 20);
+    QVERIFY(f.object.fov() > 90); // no jump at the start
+    QTRY_COMPARE(f.object.fov(), 20.0F);
+    QVERIFY(std::is_sorted(values.rbegin(), values.rend()));
+    QVERIFY(values.first() <= 100);
+}
+
+void tst_OrbGlobalObject::aSecondMoveStartsWhereTheFirstStands()
+{
+    GlobalObjectFixture f;
+    f.object.setFov(100);
+    f.object.interpolateValue("fov", 20);
+    auto *move = f.object.findChild<QPropertyAnimation *>();
+    QVERIFY(move);
+    QCOMPARE(move->duration(), 200);
+    // Half the way, then back: from there, not from either end.
+    move->setCurrentTime(100);
+    QCOMPARE(f.object.fov(), 60.0F);
+    f.object.interpolateValue("fov", 180);
+    QCOMPARE(f.object.findChildren<QPropertyAnimation *>().size(), 1);
+    QCOMPARE(f.object.fov(), 60.0F);
+    QCOMPARE(move->currentTime(), 0);
+    QTRY_COMPARE(f.object.fov(), 180.0F);
+
+    f.object.interpolateValue("fov", 90);
+    QCOMPARE(f.object.fov(), 180.0F);
+    QTRY_COMPARE(f.object.fov(), 90.0F);
+}
+
+void tst_OrbGlobalObject::aMoveOfNothingIsReported_data()
+{
+    QTest::addColumn<QByteArray>("property");
+    QTest::addColumn<float>("value");
+    QTest::newRow("no such property") << QByteArray("yawn") << 1.0F;
+    QTest::newRow("no target") << QByteArray("yaw") << kNaN;
+}
+
+void tst_OrbGlobalObject::aMoveOfNothingIsReported()
+{
+    QFETCH(QByteArray, property);
+    QFETCH(float, value);
+    GlobalObjectFixture f;
+    expectWarning(QStringLiteral("^Cannot move \"%1\"").arg(QString::fromLatin1(property)));
+    f.object.interpolateValue(property, value);
+    QVERIFY(!f.object.findChild<QPropertyAnimation *>());
 }
 
 QTEST_MAIN(tst_OrbGlobalObject)

@@ -43,9 +43,7 @@ class tst_OrbGlobalObjectServices : public WarningsFail
 
 private slots:
     void initTestCase();
-    void aFirstStartWritesTheDefaults();
     void storedSettingsAreTakenAndLeft();
-    void playingWritesNoSettings();
     void theKindOfOpenGLFollowsTheSettings_data();
     void theKindOfOpenGLFollowsTheSettings();
     void headsetAndSettingsAreReconciled_data();
@@ -58,19 +56,6 @@ void tst_OrbGlobalObjectServices::initTestCase()
     ignoreWarning(QStringLiteral("^This plugin does not support propagateSizeHints"));
 }
 
-void tst_OrbGlobalObjectServices::aFirstStartWritesTheDefaults()
-{
-    GlobalObjectFixture f;
-    const QVariantMap stored = GlobalObjectFixture::storedValues();
-    const QStringList expected{kForceOpenGl, kOculusMode, kDuration, kTouchMode};
-    QCOMPARE(stored.keys(), expected);
-    QCOMPARE(stored.value(kForceOpenGl).toString(), QStringLiteral("false"));
-    QCOMPARE(stored.value(kOculusMode).toString(), QStringLiteral("false"));
-    QCOMPARE(stored.value(kDuration).toInt(), 30000);
-    QCOMPARE(stored.value(kTouchMode).toString(), QStringLiteral("true"));
-    QCOMPARE(f.object.touchMode(), true);
-}
-
 void tst_OrbGlobalObjectServices::storedSettingsAreTakenAndLeft()
 {
     const QVariantMap stored{{kTouchMode, false},
@@ -81,22 +66,6 @@ void tst_OrbGlobalObjectServices::storedSettingsAreTakenAndLeft()
     GlobalObjectFixture f(stored);
     QCOMPARE(GlobalObjectFixture::storedValues(), stored);
     QCOMPARE(f.object.touchMode(), false);
-}
-
-void tst_OrbGlobalObjectServices::playingWritesNoSettings()
-{
-    QVariantMap before;
-    {
-        GlobalObjectFixture f;
-        before = GlobalObjectFixture::storedValues();
-        f.object.setTouchMode(false);
-        f.object.setYaw(1);
-        f.object.openFiles(QList<QUrl>{QUrl(QStringLiteral("file:///a.jpg")),
-                                       QUrl(QStringLiteral("file:///b.jpg"))});
-        f.object.playListSetNext();
-        f.object.getSetting(QStringLiteral("of/another"), 7);
-    }
-    QCOMPARE(GlobalObjectFixture::storedValues(), before);
 }
 
 void tst_OrbGlobalObjectServices::theKindOfOpenGLFollowsTheSettings_data()

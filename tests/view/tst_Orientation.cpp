@@ -42,8 +42,6 @@ class tst_Orientation : public WarningsFail
     Q_OBJECT
 
 private slots:
-    void anAngleIsWrappedByWholeTurns_data();
-    void anAngleIsWrappedByWholeTurns();
     void piKeepsItsSign_data();
     void piKeepsItsSign();
     void anyAngleEndsWithinOneTurnAndStaysThere_data();
@@ -51,8 +49,6 @@ private slots:
 
     void theMatrixIsRollThenPitchThenYaw_data();
     void theMatrixIsRollThenPitchThenYaw();
-    void theMatrixIsARotation_data();
-    void theMatrixIsARotation();
 
     void anglesComeBackFromTheirMatrix_data();
     void anglesComeBackFromTheirMatrix();
@@ -61,29 +57,6 @@ private slots:
     void aMatrixThatIsNoRotationTakesABranch_data();
     void aMatrixThatIsNoRotationTakesABranch();
 };
-
-void tst_Orientation::anAngleIsWrappedByWholeTurns_data()
-{
-    QTest::addColumn<double>("angle");
-    QTest::addColumn<double>("expected");
-
-    QTest::newRow("within") << 1.25 << 1.25;
-    QTest::newRow("just past pi") << 3.2 << -3.0831853;
-    QTest::newRow("just before -pi") << -3.2 << 3.0831853;
-    QTest::newRow("three quarters of a turn") << 1.5 * kPi << -0.5 * kPi;
-    QTest::newRow("three quarters back") << -1.5 * kPi << 0.5 * kPi;
-    QTest::newRow("five and a quarter turns") << 10.5 * kPi << 0.5 * kPi;
-    QTest::newRow("five and a quarter turns back") << -10.5 * kPi << -0.5 * kPi;
-}
-
-void tst_Orientation::anAngleIsWrappedByWholeTurns()
-{
-    QFETCH(double, angle);
-    QFETCH(double, expected);
-    // A turn in single precision is 1.7e-7 too long, so five of them are off by less than 1e-6.
-    QVERIFY2(std::abs(double(wrapAngle(angle)) - expected) < 1e-6,
-             qPrintable(QString::number(double(wrapAngle(angle)), 'g', 9)));
-}
 
 void tst_Orientation::piKeepsItsSign_data()
 {
@@ -104,12 +77,9 @@ void tst_Orientation::anyAngleEndsWithinOneTurnAndStaysThere_data()
 {
     QTest::addColumn<double>("angle");
     const float afterPi = std::nextafter(kPiF, 4.0F);
-    const double angles[] = {3.2,     double(afterPi),
-                             3 * kPi, 7.5 * kTurn,
-                             1e4,     123456.789,
-                             1e10,    4e15,
-                             1e16,    1e19,
-                             1e30,    double(std::numeric_limits<float>::max()),
+    const double angles[] = {1.25,      3.2,         double(afterPi),
+                             1.5 * kPi, 7.5 * kTurn, 123456.789,
+                             4e15,      1e19,        double(std::numeric_limits<float>::max()),
                              1e308};
     for (double angle : angles) {
         QTest::addRow("%g", angle) << angle;
@@ -125,7 +95,7 @@ void tst_Orientation::anyAngleEndsWithinOneTurnAndStaysThere()
     QVERIFY(wrapAngle(double(wrapped)) == wrapped);
     // IEEE's remainder is exact: the same direction, however many turns are between.
     const double off = std::remainder(std::remainder(angle, kTurn) - double(wrapped), kTurn);
-    QVERIFY2(std::abs(off) < 1e-5 + std::abs(angle) * 1e-15, qPrintable(QString::number(off)));
+    QVERIFY2(std::abs(off) < 5e-7 + std::abs(angle) * 1e-15, qPrintable(QString::number(off)));
 }
 
 void tst_Orientation::theMatrixIsRollThenPitchThenYaw_data()
@@ -141,23 +111,6 @@ void tst_Orientation::theMatrixIsRollThenPitchThenYaw()
     const double off = RotationInDouble::distance(rotationMatrix(yaw, pitch, roll),
                                                   RotationInDouble::view(yaw, pitch, roll));
     QVERIFY2(off < kHalfUlpOfOne, qPrintable(QString::number(off)));
-}
-
-void tst_Orientation::theMatrixIsARotation_data()
-{
-    addGrid(3);
-}
-
-void tst_Orientation::theMatrixIsARotation()
-{
-    QFETCH(double, yaw);
-    QFETCH(double, pitch);
-    QFETCH(double, roll);
-    const QMatrix4x4 matrix = rotationMatrix(yaw, pitch, roll);
-    const QMatrix4x4 identity = matrix * matrix.transposed();
-    const RotationInDouble::Matrix one{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
-    QVERIFY(RotationInDouble::distance(identity, one) < 5e-7);
-    QVERIFY(std::abs(matrix.determinant() - 1) < 1e-6);
 }
 
 void tst_Orientation::anglesComeBackFromTheirMatrix_data()

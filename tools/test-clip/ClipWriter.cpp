@@ -39,29 +39,16 @@ QStringList encoder(const Clip &clip)
 /// The conversion and the flags that announce it.
 QStringList colours(const Clip &clip)
 {
-    const bool bt709 = clip.matrix == Clip::Bt709;
-    const QString flag = bt709 ? QStringLiteral("bt709") : QStringLiteral("smpte170m");
-    const QString range = clip.fullRange ? QStringLiteral("pc") : QStringLiteral("tv");
-    const QString filter = QStringLiteral("scale=flags=accurate_rnd+full_chroma_int:"
-                                          "out_color_matrix=%1:out_range=%2,format=%3")
-                               .arg(bt709 ? flag : QStringLiteral("bt601"), range,
-                                    clip.pixelFormat);
-    return {QStringLiteral("-vf"),
-            filter,
-            QStringLiteral("-colorspace"),
-            flag,
-            QStringLiteral("-color_primaries"),
-            flag,
-            QStringLiteral("-color_trc"),
-            flag,
-            QStringLiteral("-color_range"),
-            range};
+    return words(QStringLiteral("-vf scale=flags=accurate_rnd+full_chroma_int:"
+                                "out_color_matrix=bt601:out_range=tv,format=%1 "
+                                "-colorspace smpte170m -color_primaries smpte170m "
+                                "-color_trc smpte170m -color_range tv")
+                     .arg(clip.pixelFormat));
 }
 
 QStringList arguments(const QString &path, const Clip &clip)
 {
-    QStringList all = words(QStringLiteral("-v error -y -f rawvideo -pix_fmt bgra -s %1x%2 -r %3 "
-                                           "-i -")
+    QStringList all = words(QStringLiteral("-f rawvideo -pix_fmt bgra -s %1x%2 -r %3 -i -")
                                 .arg(clip.size.width())
                                 .arg(clip.size.height())
                                 .arg(clip.framesPerSecond));
@@ -74,16 +61,16 @@ QStringList arguments(const QString &path, const Clip &clip)
 
 } // namespace
 
-QString ClipWriter::write(const QString &path, const Clip &clip)
+QString ClipWriter::encode(const QStringList &arguments, int frames,
+                           const std::function<QImage(int)> &frame)
 {
     QProcess ffmpeg;
-    ffmpeg.start(QStringLiteral("ffmpeg"), arguments(path, clip));
+    ffmpeg.start(QStringLiteral("ffmpeg"), words(QStringLiteral("-v error -y")) + arguments);
     if (!ffmpeg.waitForStarted(kStartMs))
         return ffmpeg.errorString();
-    QImage frame = FrameCode::frame(clip.size, clip.firstNumber);
-    for (int i = 0; i < clip.frames && ffmpeg.state() == QProcess::Running; ++i) {
-        FrameCode::draw(frame, clip.firstNumber + i);
-        ffmpeg.write(reinterpret_cast<const char *>(frame.constBits()), frame.sizeInBytes());
+    for (int i = 0; i < frames && ffmpeg.state() == QProcess::Running; ++i) {
+        const QImage picture = frame(i);
+        ffmpeg.write(reinterpret_cast<const char *>(picture.constBits()), picture.sizeInBytes());
         while (ffmpeg.bytesToWrite() > 0 && ffmpeg.waitForBytesWritten(kDeadlineMs)) {
         }
     }
@@ -93,4 +80,13 @@ QString ClipWriter::write(const QString &path, const Clip &clip)
     if (ffmpeg.exitStatus() == QProcess::NormalExit && ffmpeg.exitCode() == 0)
         return {};
     return QStringLiteral("ffmpeg: ") + QString::fromLocal8Bit(ffmpeg.readAllStandardError());
+}
+
+QString ClipWriter::write(const QString &path, const Clip &clip)
+{
+    QImage picture = FrameCode::frame(clip.size, clip.firstNumber);
+    return encode(arguments(path, clip), clip.frames, [&](int i) {
+        FrameCode::draw(picture, clip.firstNumber + i);
+        return picture;
+    });
 }

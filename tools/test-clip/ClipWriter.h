@@ -1,15 +1,16 @@
 #pragma once
 
+#include <QImage>
 #include <QSize>
 #include <QStringList>
 
-/// What a test film is made of. Its colours are written in the matrix and range that its stream
-/// announces. libVLC 3 converts to RGB by BT.601 whatever is announced and at every size, and takes
-/// VP9 for limited range always: the values here give their colours back through it.
+#include <functional>
+
+/// What a test film is made of. Its colours are those of BT.601 in limited range: libVLC 3 converts
+/// to RGB so whatever a stream announces.
 struct Clip
 {
     enum Codec { H264, Hevc, Vp9 };
-    enum Matrix { Bt601, Bt709 };
 
     Codec codec = H264;
     QSize size{640, 320};
@@ -19,9 +20,7 @@ struct Clip
     int groupOfPictures = 25;                        ///< frames from one keyframe to the next
     QString pixelFormat = QStringLiteral("yuv420p"); ///< as ffmpeg calls it
     int toneHz = 0;                                  ///< a sine beside the picture; 0: no sound
-    Matrix matrix = Bt601;
-    bool fullRange = false;
-    QStringList options; ///< more of ffmpeg's own, for the output
+    QStringList options;                             ///< more of ffmpeg's own, for the output
 };
 
 namespace ClipWriter {
@@ -29,5 +28,9 @@ namespace ClipWriter {
 /// Writes a film of FrameCode's frames with the program ffmpeg; the suffix of `path` chooses the
 /// container. Returns what went wrong, empty if nothing did. Blocks.
 QString write(const QString &path, const Clip &clip = {});
+
+/// Runs ffmpeg with these arguments and gives it pictures, from 0 on, of 32 bits a pixel and
+/// without padding, on its standard input. Returns what went wrong, empty if nothing did. Blocks.
+QString encode(const QStringList &arguments, int frames, const std::function<QImage(int)> &frame);
 
 } // namespace ClipWriter

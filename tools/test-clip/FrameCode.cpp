@@ -123,6 +123,27 @@ std::optional<int> number(const QImage &grey, const Blob &ring)
     return coded(value) == code ? std::optional<int>(value) : std::nullopt;
 }
 
+/// The largest difference of a patch, near its corners and in its middle, from its colour. `place`
+/// tells where in the picture a longitude and a latitude lie.
+template <typename Place>
+int largestError(const QImage &picture, const Place &place)
+{
+    constexpr double kNearCornerDeg = 0.4 * kPatchDeg;
+    int largest = 0;
+    const QVector<FrameCode::Patch> all = FrameCode::patches();
+    for (const FrameCode::Patch &patch : all) {
+        for (int point = 0; point < 9; ++point) {
+            const QPointF at = place(patch.longitudeDeg + (point % 3 - 1) * kNearCornerDeg,
+                                     patch.latitudeDeg + (point / 3 - 1) * kNearCornerDeg);
+            const QColor shown = picture.pixelColor(int(at.x()), int(at.y()));
+            largest = std::max({largest, std::abs(shown.red() - patch.colour.red()),
+                                std::abs(shown.green() - patch.colour.green()),
+                                std::abs(shown.blue() - patch.colour.blue())});
+        }
+    }
+    return largest;
+}
+
 } // namespace
 
 QImage FrameCode::frame(const QSize &size, int number)
@@ -208,15 +229,15 @@ QPointF FrameCode::onScreen(double longitudeDeg, double latitudeDeg, double fovD
 
 int FrameCode::colourError(const QImage &screenshot, double fovDeg)
 {
-    int largest = 0;
-    const QVector<Patch> all = patches();
-    for (const Patch &patch : all) {
-        const QPointF place = onScreen(patch.longitudeDeg, patch.latitudeDeg, fovDeg,
-                                       screenshot.size());
-        const QColor shown = screenshot.pixelColor(place.toPoint());
-        largest = std::max({largest, std::abs(shown.red() - patch.colour.red()),
-                            std::abs(shown.green() - patch.colour.green()),
-                            std::abs(shown.blue() - patch.colour.blue())});
-    }
-    return largest;
+    return largestError(screenshot, [&](double longitudeDeg, double latitudeDeg) {
+        return onScreen(longitudeDeg, latitudeDeg, fovDeg, screenshot.size());
+    });
+}
+
+int FrameCode::flatColourError(const QImage &picture)
+{
+    return largestError(picture, [&](double longitudeDeg, double latitudeDeg) {
+        return QPointF((longitudeDeg / 360 + 0.5) * picture.width(),
+                       (0.5 - latitudeDeg / 180) * picture.height());
+    });
 }
