@@ -157,6 +157,10 @@ Item {
         source: "qrc:/images/help_24.png"
         visible: !__shown
 
+        Accessible.role: Accessible.Button
+        Accessible.name: qsTr("Help")
+        Accessible.onPressAction: orb_help.visible = !orb_help.visible
+
         MouseArea {
             anchors.fill: parent
 

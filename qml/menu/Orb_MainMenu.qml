@@ -25,11 +25,22 @@ Orb_BarList {
         function action() { headsetWanted() }
     }
 
+    // Those of the hand tracker and of copies in step have no panel to lead to.
+    Orb_Menu_Item {
+        label: "Leap Motion"
+        shown: false
+    }
+
     Orb_Menu_Item {
         label: "Video Plugin"
         shown: orbVideoPlugin.pluginsList().length > 1
 
         function action() { pluginsWanted() }
+    }
+
+    Orb_Menu_Item {
+        label: "UDP Communication"
+        shown: false
     }
 
     Orb_Menu_Item {

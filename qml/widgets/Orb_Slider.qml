@@ -18,10 +18,10 @@ Item {
     readonly property real maximumValue: 1
     readonly property real stepSize: 0.05
 
-    Accessible.role: Accessible.Slider
-    Accessible.name: name
-    Accessible.onIncreaseAction: newProgression = Math.min(1, progression + stepSize)
-    Accessible.onDecreaseAction: newProgression = Math.max(0, progression - stepSize)
+    function step(by) {
+        if (enabled)
+            newProgression = Math.max(0, Math.min(1, progression + by))
+    }
 
     function setFrom(mouse) {
         // The sensitive area reaches 8 beyond the bar on each side.
@@ -34,6 +34,11 @@ Item {
         else if (max > 0)
             newProgression = position / max
     }
+
+    Accessible.role: Accessible.Slider
+    Accessible.name: name
+    Accessible.onIncreaseAction: step(stepSize)
+    Accessible.onDecreaseAction: step(-stepSize)
 
     Rectangle {
         id: container

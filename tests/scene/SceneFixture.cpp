@@ -19,7 +19,6 @@
 #include <qpa/qplatformdrag.h>
 #include <qpa/qwindowsysteminterface.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -62,45 +61,6 @@ void collectOpenLists(const QQuickItem *under, QStringList &titles)
             titles += title.isEmpty() ? QStringLiteral("Volume") : title;
         }
         collectOpenLists(child, titles);
-    }
-}
-
-void collectAccessibles(QAccessibleInterface *under, QVector<QAccessibleInterface *> &found)
-{
-    if (!under || under->state().invisible)
-        return;
-    found += under;
-    for (int i = 0; i < under->childCount(); ++i)
-        collectAccessibles(under->child(i), found);
-}
-
-bool hasNameAndRole(QQuickItem *item)
-{
-    QAccessibleInterface *told = QAccessible::queryAccessibleInterface(item);
-    return told && told->role() != QAccessible::NoRole && told->role() != QAccessible::Client
-        && !told->text(QAccessible::Name).isEmpty();
-}
-
-/// Whether something with a name stands around, under or beside a place of the scene.
-bool belongsToSomething(QQuickItem *place)
-{
-    const QRectF area = place->mapRectToScene(place->boundingRect());
-    const auto isIt = [&area](QQuickItem *item) {
-        return hasNameAndRole(item) && item->mapRectToScene(item->boundingRect()).intersects(area);
-    };
-    const QList<QQuickItem *> beside = place->parentItem()->childItems();
-    return isIt(place->parentItem()) || std::any_of(beside.cbegin(), beside.cend(), isIt);
-}
-
-void collectHotPlaces(const QQuickItem *under, QVector<QQuickItem *> &found)
-{
-    const QList<QQuickItem *> children = under->childItems();
-    for (QQuickItem *child : children) {
-        if (!isShown(child))
-            continue;
-        if (child->inherits("QQuickMouseArea") && child->cursor().shape() == Qt::PointingHandCursor)
-            found += child;
-        collectHotPlaces(child, found);
     }
 }
 
@@ -291,13 +251,6 @@ QStringList SceneFixture::openLists() const
 
 // --- what assistive technology is told ---
 
-QVector<QAccessibleInterface *> SceneFixture::accessibles() const
-{
-    QVector<QAccessibleInterface *> found;
-    collectAccessibles(QAccessible::queryAccessibleInterface(window()), found);
-    return found;
-}
-
 QQuickItem *SceneFixture::control(const QString &name, QAccessible::Role role) const
 {
     const QVector<QAccessibleInterface *> all = accessibles();
@@ -307,21 +260,6 @@ QQuickItem *SceneFixture::control(const QString &name, QAccessible::Role role) c
     }
     return nullptr;
 }
-
-QStringList SceneFixture::namelessHotPlaces() const
-{
-    QVector<QQuickItem *> places;
-    collectHotPlaces(window()->rootObject(), places);
-    QStringList found;
-    for (QQuickItem *place : qAsConst(places)) {
-        // The ground of the bar only keeps it awake.
-        if (place->size() != bar()->size() && !belongsToSomething(place))
-            found += QString::fromLatin1(place->parentItem()->metaObject()->className());
-    }
-    return found;
-}
-
-// --- what a user does ---
 
 void SceneFixture::showBar()
 {

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "AccessibleTree.h"
 #include "OrbGlobalObject.h"
 #include "OrbQQuickView.h"
 #include "OrbShaderCodeBuilder.h"
 #include "TestMedia.h"
 #include "WarningsFail.h"
 
-#include <QAccessible>
 #include <QColor>
 #include <QImage>
 #include <QMediaPlayer>
@@ -75,15 +75,16 @@ protected:
     QStringList openLists() const;
 
     // --- what assistive technology is told ---
-    /// Everything in the window that it sees, from its tree.
-    QVector<QAccessibleInterface *> accessibles() const;
+    QVector<QAccessibleInterface *> accessibles() const { return AccessibleTree::of(window()); }
 
     /// The item of that name and role, or null.
     QQuickItem *control(const QString &name, QAccessible::Role role = QAccessible::Button) const;
 
-    /// Where the pointing hand shows over nothing that has a name and a role: the kinds of items
-    /// that such places stand in.
-    QStringList namelessHotPlaces() const;
+    /// The ground of the bar only keeps it awake.
+    QStringList namelessHotPlaces() const
+    {
+        return AccessibleTree::namelessHotPlaces(window()->rootObject(), bar());
+    }
 
     // --- what a user does ---
     /// Brings the bar into view, with the pointer on it, which keeps it there.
