@@ -351,6 +351,7 @@ Rectangle {
             separator: false
             name: qsTr("Previous")
             image: "qrc:/images/newui/arrow_left.png"
+            imageOffset: -3
 
             onPressed: orbGlobalObject.playListSetPrevious()
         }
@@ -361,6 +362,7 @@ Rectangle {
             shown: orbGlobalObject.playListIndex !== -1
             name: qsTr("Next")
             image: "qrc:/images/newui/arrow_right.png"
+            imageOffset: 3
 
             onPressed: orbGlobalObject.playListSetNext()
         }

@@ -73,7 +73,7 @@ FocusScope {
 
         Row {
             x: 10
-            y: 65
+            y: 70
             spacing: 10
 
             Button {
@@ -86,7 +86,7 @@ FocusScope {
         Row {
             anchors.right: parent.right
             anchors.rightMargin: 10
-            y: 65
+            y: 70
             spacing: 10
 
             Button {

@@ -6,6 +6,7 @@ Item {
     id: orb_barButton
 
     property alias image: image.source
+    property alias imageOffset: image.anchors.horizontalCenterOffset
     property alias text: text.text
     property alias separator: separator.visible
     property bool shown: true // what is not shown leaves no gap

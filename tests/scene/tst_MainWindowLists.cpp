@@ -122,7 +122,7 @@ bool tst_MainWindowLists::isMarked(const QString &row) const
     const QRect area = item->mapRectToScene(item->boundingRect()).toRect();
     const QImage image = grab().copy(area).convertToFormat(QImage::Format_RGB32);
     const auto *pixels = reinterpret_cast<const QRgb *>(image.constBits());
-    return std::any_of(pixels, pixels + image.width() * image.height(),
+    return std::any_of(pixels, pixels + qsizetype(image.width()) * image.height(),
                        [](QRgb pixel) { return isClose(QColor(pixel), kAccent, 20); });
 }
 

@@ -139,15 +139,16 @@ void tst_OrbUpdateManager::aCheckOfItsOwnComesOnceAWeek_data()
 {
     QTest::addColumn<QVariant>("last");
     QTest::addColumn<bool>("checks");
-    const qint64 week = 7 * 24 * 3600;
+    constexpr qint64 day = 86400;
+    constexpr qint64 week = 7 * day;
     const auto row = [](const char *name, qint64 secondsAgo, bool checks) {
         QTest::newRow(name) << QVariant(noon().addSecs(-secondsAgo)) << checks;
     };
     row("an hour less than a week", week - 3600, false);
     row("a week", week, false);
     row("a second more", week + 1, true);
-    row("tomorrow", -24 * 3600, false);
-    row("in a year", -365 * 24 * 3600, true);
+    row("tomorrow", -day, false);
+    row("in a year", -365 * day, true);
     QTest::newRow("never") << QVariant() << true;
     QTest::newRow("unreadable") << QVariant(QStringLiteral("yesterday")) << true;
 }

@@ -133,8 +133,10 @@ int largestError(const QImage &picture, const Place &place)
     const QVector<FrameCode::Patch> all = FrameCode::patches();
     for (const FrameCode::Patch &patch : all) {
         for (int point = 0; point < 9; ++point) {
-            const QPointF at = place(patch.longitudeDeg + (point % 3 - 1) * kNearCornerDeg,
-                                     patch.latitudeDeg + (point / 3 - 1) * kNearCornerDeg);
+            const int row = point / 3 - 1;
+            const int column = point % 3 - 1;
+            const QPointF at = place(patch.longitudeDeg + column * kNearCornerDeg,
+                                     patch.latitudeDeg + row * kNearCornerDeg);
             const QColor shown = picture.pixelColor(int(at.x()), int(at.y()));
             largest = std::max({largest, std::abs(shown.red() - patch.colour.red()),
                                 std::abs(shown.green() - patch.colour.green()),
