@@ -19,9 +19,9 @@ QUrl sourceFromText(const QString &text);
 /// The same for texts whose relative paths start at `folder`, an absolute path.
 QString absoluteSource(const QString &text, const QString &folder);
 
-/// What a user has typed, as `sourceFromText` takes it: blanks and a pair of quotes around it are none
-/// of it, "~" is the home folder, and relative paths start at `folder`. A file that is named exactly
-/// like the text is that file. Empty if nothing is left.
+/// What a user has typed, as `sourceFromText` takes it: blanks and a pair of quotes around it are
+/// none of it, "~" is the home folder, and relative paths start at `folder`. A file that is named
+/// exactly like the text is that file. Empty if nothing is left.
 QString typedSource(const QString &text, const QString &folder);
 
 } // namespace MediaClass
