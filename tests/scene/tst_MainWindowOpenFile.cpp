@@ -31,6 +31,7 @@ private slots:
     void escapeAndCancelOpenNothing_data();
     void escapeAndCancelOpenNothing();
     void keysOfTheSceneAreTextInThePanel();
+    void theTabKeyWalksThePanel();
     void browsingFillsInTheFile();
     void whatIsNeitherPictureNorFilmIsTriedAsAStream();
 };
@@ -204,6 +205,23 @@ void tst_MainWindowOpenFile::keysOfTheSceneAreTextInThePanel()
     QVERIFY(!window()->fullScreen());
     QVERIFY(!scene(QStringLiteral("orb_help.visible")).toBool());
     QCOMPARE(view()->yaw(), 0.F);
+}
+
+void tst_MainWindowOpenFile::theTabKeyWalksThePanel()
+{
+    openFilePanel();
+    const QQuickItem *input = window()->activeFocusItem();
+    type(QStringLiteral("abc.png"));
+    for (const char *name : {"Browse...", "Open", "Cancel"}) {
+        key(Qt::Key_Tab);
+        QCOMPARE(window()->activeFocusItem(), control(QString::fromLatin1(name)));
+    }
+    key(Qt::Key_Tab);
+    QCOMPARE(window()->activeFocusItem(), input);
+    key(Qt::Key_Tab, Qt::ShiftModifier);
+    key(Qt::Key_Space); // on "Cancel"
+    QTRY_COMPARE(state(), QStringLiteral("Video"));
+    QVERIFY(!title().contains(QStringLiteral("abc.png")));
 }
 
 void tst_MainWindowOpenFile::browsingFillsInTheFile()

@@ -113,7 +113,14 @@ void tst_MainWindowUpdate::keysDoNotCloseTheOffer()
     key(Qt::Key_Return);
     QTRY_COMPARE(scene(QStringLiteral("orb_popup.children[2].scale")).toReal(), 1.);
     QCOMPARE(state(), QStringLiteral("Popup"));
-    clickOn(itemReading(QStringLiteral("Close")));
+
+    // Its buttons are in reach of the keyboard.
+    const auto isOnClose = [this] {
+        key(Qt::Key_Tab);
+        return window()->activeFocusItem() == control(QStringLiteral("Close"));
+    };
+    QVERIFY(isOnClose() || isOnClose() || isOnClose());
+    key(Qt::Key_Space);
     QTRY_COMPARE(state(), QStringLiteral("Video"));
 }
 
