@@ -31,10 +31,17 @@ int OrbTextureProvider::textureId() const
 
 void OrbTextureProvider::setTextureId(int id)
 {
+    if (takeTextureId(id))
+        emit textureIdChanged();
+}
+
+/// False if it is the one already.
+bool OrbTextureProvider::takeTextureId(int id)
+{
     if (m_textureId.exchange(id) == id)
-        return;
+        return false;
     m_framesAnnounced = false;
-    emit textureIdChanged();
+    return true;
 }
 
 void OrbTextureProvider::frameArrived()
@@ -53,6 +60,10 @@ std::optional<int> OrbTextureProvider::contents() const
 void OrbTextureProvider::setShaderEffectSource(QQuickItem *quickItem)
 {
     m_sourceItem = quickItem;
+    {
+        const std::lock_guard lock(m_providerLock);
+        m_providerIsLeft = true;
+    }
     listenForSynchronisation();
 }
 
@@ -78,6 +89,7 @@ void OrbTextureProvider::takeProvider(QSGTextureProvider *provider)
     if (m_provider)
         m_provider->disconnect(this);
     m_provider = provider;
+    m_providerIsLeft = false;
     if (provider)
         connect(
             provider, &QSGTextureProvider::textureChanged, this, [this] { ++m_contents; },
@@ -87,9 +99,13 @@ void OrbTextureProvider::takeProvider(QSGTextureProvider *provider)
 
 void OrbTextureProvider::onQsgTextureChanged()
 {
-    if (!m_provider)
-        return;
-    const QSGTexture *texture = m_provider->texture();
-    if (texture && texture->textureId() != 0)
-        setTextureId(texture->textureId());
+    bool isNew = false;
+    {
+        const std::lock_guard lock(m_providerLock);
+        const QSGTexture *texture = m_provider && !m_providerIsLeft ? m_provider->texture()
+                                                                    : nullptr;
+        isNew = texture && texture->textureId() != 0 && takeTextureId(texture->textureId());
+    }
+    if (isNew)
+        emit textureIdChanged();
 }

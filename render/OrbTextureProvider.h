@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 class OrbSettingsManager;
@@ -20,8 +21,9 @@ class SharedMemoryManager;
 ///
 /// Threads: it lives on the main thread. `onBeforeSynchronizing` runs on the render thread while
 /// the main thread waits. The provider belongs to the render thread and is touched there alone; an
-/// item's texture is asked for after every frame, since it can be replaced without a signal. The
-/// name is written on either thread and read on the render thread while painting.
+/// item's texture is asked for after every frame, since it can be replaced without a signal; but
+/// not once the scene has named another source, whose texture the end of a frame of before must not
+/// replace. The name is written on either thread and read on the render thread while painting.
 class OrbTextureProvider : public QObject
 {
     Q_OBJECT
@@ -64,6 +66,7 @@ private:
     void listenForSynchronisation();
 
     void takeProvider(QSGTextureProvider *provider);
+    bool takeTextureId(int id);
 
     std::atomic<int> m_textureId{0};
     std::atomic<int> m_contents{0};
@@ -72,5 +75,7 @@ private:
     QQuickWindow *m_view;
     QPointer<QOpenGLContext> m_context;
     QPointer<QSGTextureProvider> m_provider;
+    std::mutex m_providerLock;
+    bool m_providerIsLeft = false; ///< another takes its place at the next synchronisation
     std::unique_ptr<SharedMemoryManager> m_liveFeed;
 };

@@ -48,6 +48,7 @@ private slots:
     void cleanup();
     void withTheFeedTheStoredNameIsIgnored();
     void theNameFollowsTheItemsThatHaveATexture();
+    void aFrameThatEndsAfterTheChangeOfSourceLeavesTheName();
 
 private:
     void show();
@@ -179,6 +180,19 @@ void tst_OrbTextureProvider::theNameFollowsTheItemsThatHaveATexture()
     QVERIFY(waitForFrames(2));
     QCOMPARE(m_provider->textureId(), secondName);
     QCOMPARE(changed.count(), 2);
+}
+
+void tst_OrbTextureProvider::aFrameThatEndsAfterTheChangeOfSourceLeavesTheName()
+{
+    show();
+    m_provider->setShaderEffectSource(addColouredSource(Qt::red));
+    QVERIFY(waitForFrames(2));
+    const int itemName = m_provider->textureId();
+    QVERIFY(itemName != 0);
+    m_provider->setShaderEffectSource(nullptr);
+    m_provider->setTextureId(itemName + 1);
+    m_provider->onQsgTextureChanged(); // as the render thread does then
+    QCOMPARE(m_provider->textureId(), itemName + 1);
 }
 
 QTEST_MAIN(tst_OrbTextureProvider)
