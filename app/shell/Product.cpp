@@ -44,4 +44,9 @@ QString updateServerUrl()
     return QString::fromLatin1(ORBIX_UPDATE_SERVER_URL);
 }
 
+QString hostingUrl()
+{
+    return QString::fromLatin1(ORBIX_HOSTING_URL);
+}
+
 } // namespace Product

@@ -26,4 +26,7 @@ QString makerUrl();
 QString documentationUrl();
 QString updateServerUrl();
 
+/// The root of the hosting service, ending in "/"; empty in a build that has none.
+QString hostingUrl();
+
 } // namespace Product
