@@ -55,7 +55,8 @@ void Player::start(const QStringList &arguments, const QString &folder)
 {
     m_process.setProcessEnvironment(m_environment);
     m_process.setWorkingDirectory(folder);
-    m_process.start(QStringLiteral(PLAYER), arguments);
+    const QStringList command = m_starter + QStringList(QStringLiteral(PLAYER)) + arguments;
+    m_process.start(command.first(), command.mid(1));
 }
 
 void Player::setEnvironment(const QString &name, const QString &value)

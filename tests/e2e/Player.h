@@ -17,6 +17,9 @@ public:
     Player();
     ~Player();
 
+    /// Has the program started by another that takes the command behind its own arguments.
+    void startBy(const QStringList &command) { m_starter = command; }
+
     /// Starts the program in `folder`; empty: where the test runs.
     void start(const QStringList &arguments, const QString &folder = QString());
 
@@ -46,6 +49,9 @@ public:
     /// Opens a file or an address as the dialog for it does, once a window is shown.
     void open(const QString &text);
 
+    /// Another command of the driver without an answer, such as "place 0 0 640 360".
+    void order(const QByteArray &line);
+
     /// Ends the event loop with this code.
     void exit(int code);
 
@@ -66,10 +72,10 @@ public:
 
 private:
     QString settingsFile() const;
-    void order(const QByteArray &line);
 
     QTemporaryDir m_files;
     QProcessEnvironment m_environment;
+    QStringList m_starter;
     QProcess m_process;
     QJsonObject m_lastState;
 };

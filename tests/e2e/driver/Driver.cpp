@@ -6,6 +6,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QOpenGLContext>
 #include <QQmlContext>
 #include <QQuickItem>
@@ -67,6 +69,17 @@ Texts shownTexts()
             texts.all.append(text);
     }
     return texts;
+}
+
+/// What stands behind the command's word.
+QVector<double> numbers(const QByteArray &command)
+{
+    QVector<double> values;
+    const QList<QByteArray> words = command.split(' ').mid(1);
+    for (const QByteArray &word : words)
+        values += word.toDouble();
+    values.resize(4);
+    return values;
 }
 
 /// What assistive technology finds by this name under an object and can be seen, or null.
@@ -177,6 +190,19 @@ void Driver::obey(const QByteArray &command)
         open(QString::fromUtf8(command.mid(5)));
     } else if (command == "close" && m_window) {
         m_window->close();
+    } else if (command.startsWith("place ")) {
+        const QVector<double> to = numbers(command);
+        m_window->setGeometry(int(to[0]), int(to[1]), int(to[2]), int(to[3]));
+    } else if (command.startsWith("drag ")) {
+        const QVector<double> way = numbers(command);
+        drag({way[0], way[1]}, {way[2], way[3]});
+    } else if (command.startsWith("key ")) {
+        press(QString::fromUtf8(command.mid(4)));
+    } else if (command.startsWith("turn ")) {
+        const QVector<double> angles = numbers(command);
+        camera()->setProperty("yaw", angles[0]);
+        camera()->setProperty("pitch", angles[1]);
+        camera()->setProperty("roll", angles[2]);
     } else if (command.startsWith("find ")) {
         answer(placeOf(QString::fromUtf8(command.mid(5))));
     } else if (command == "state") {
@@ -193,16 +219,46 @@ void Driver::answer(const QJsonObject &object)
         qFatal("The driver cannot answer");
 }
 
-void Driver::open(const QString &text)
+QObject *Driver::camera() const
 {
     const auto *view = qobject_cast<const QQuickView *>(m_window);
     if (!view)
-        qFatal("The driver cannot open anything before the window is shown");
-    auto *opener =
-        view->rootContext()->contextProperty(QStringLiteral("orbGlobalObject")).value<QObject *>();
-    if (!QMetaObject::invokeMethod(opener, "openFile", Qt::QueuedConnection, Q_ARG(QString, text),
+        qFatal("The driver can do nothing before the window is shown");
+    return view->rootContext()
+        ->contextProperty(QStringLiteral("orbGlobalObject"))
+        .value<QObject *>();
+}
+
+void Driver::open(const QString &text)
+{
+    if (!QMetaObject::invokeMethod(camera(), "openFile", Qt::QueuedConnection, Q_ARG(QString, text),
                                    Q_ARG(bool, false)))
         qFatal("The driver cannot open %s", qPrintable(text));
+}
+
+void Driver::drag(const QPointF &from, const QPointF &by)
+{
+    const auto send = [this](QEvent::Type type, const QPointF &at, Qt::MouseButtons buttons) {
+        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, at, m_window->mapToGlobal(at.toPoint()), button, buttons,
+                          Qt::NoModifier);
+        QCoreApplication::sendEvent(m_window, &event);
+    };
+    constexpr int steps = 10;
+    send(QEvent::MouseButtonPress, from, Qt::LeftButton);
+    for (int i = 1; i <= steps; ++i)
+        send(QEvent::MouseMove, from + by * i / steps, Qt::LeftButton);
+    send(QEvent::MouseButtonRelease, from + by, Qt::NoButton);
+}
+
+void Driver::press(const QString &keys)
+{
+    const int key = QKeySequence::fromString(keys, QKeySequence::PortableText)[0];
+    const Qt::KeyboardModifiers modifiers(key & int(Qt::KeyboardModifierMask));
+    for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QKeyEvent event(type, key & ~int(Qt::KeyboardModifierMask), modifiers);
+        QCoreApplication::sendEvent(m_window, &event);
+    }
 }
 
 void Driver::end(int exitCode)
