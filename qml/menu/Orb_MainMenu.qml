@@ -25,7 +25,7 @@ Orb_BarList {
         function action() { headsetWanted() }
     }
 
-    // Those of the hand tracker and of copies in step have no panel to lead to.
+    // There is no panel that it would lead to.
     Orb_Menu_Item {
         label: "Leap Motion"
         shown: false
@@ -40,7 +40,8 @@ Orb_BarList {
 
     Orb_Menu_Item {
         label: "UDP Communication"
-        shown: false
+
+        function action() { popupWanted("qrc:/qml/popup/PopupSoftwareCommunication.qml") }
     }
 
     Orb_Menu_Item {

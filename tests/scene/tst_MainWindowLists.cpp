@@ -268,10 +268,15 @@ void tst_MainWindowLists::aRowChoosesAndIsThenTheCurrentOne()
 void tst_MainWindowLists::theMenuOffersWhatIsThere()
 {
     constexpr int kFirst = 42; // below a title of 30 and margins of 10, rows of 40, 2 apart
-    QStringList rows{"View Projection",   "Video Plugin",
-                     "Open File/Stream",  "Update",
-                     "Software Log",      "About Orbix Sight",
-                     "About Third Party", "Online documentation"};
+    QStringList rows{"View Projection",
+                     "Video Plugin",
+                     "UDP Communication",
+                     "Open File/Stream",
+                     "Update",
+                     "Software Log",
+                     "About Orbix Sight",
+                     "About Third Party",
+                     "Online documentation"};
     for (const bool headset : {false, true}) {
         if (headset)
             rows.insert(1, QStringLiteral("Oculus Rift"));
@@ -295,7 +300,8 @@ void tst_MainWindowLists::menuRowsOpenPanels_data()
     QTest::addColumn<QString>("panel");
     QTest::addColumn<QString>("text");
 
-    const QVector<QStringList> rows{{"Open File/Stream", "PopupOpenFile", "Open file/stream :"},
+    const QVector<QStringList> rows{{"UDP Communication", "PopupSoftwareCommunication", "Save"},
+                                    {"Open File/Stream", "PopupOpenFile", "Open file/stream :"},
                                     {"Software Log", "PopupSoftwareLog", "Software log"},
                                     {"About Orbix Sight", "PopupAbout", "Orbix Sight 1.4.0"},
                                     {"About Third Party", "PopupAboutThirdParty", "Third party"}};

@@ -150,6 +150,7 @@ void tst_MainWindowPopups::controlsHaveNamesAndRoles_data()
     row("PopupAbout", "Orbix Sight 1.4.0", "Website,Videos", "", "");
     row("PopupAboutThirdParty", "Third party", "", "", "Close");
     row("PopupOpenFile", "Open file/stream :", "", "Open file/stream :", "Browse...,Open,Cancel");
+    row("PopupSoftwareCommunication", "UDP Communication", "", "Address part 4", "Save,Close");
     row("PopupSoftwareLog", "Software log", "", "", "Close");
     row("PopupUpdateAvailable", "New version available ", "", "",
         "Open Website,Show History,Close,Download installer");
