@@ -12,6 +12,13 @@ function formatTime(time) {
     return (hours === 0 ? "" : hours + ":") + twoDigits(minutes % 60) + ":" + twoDigits(seconds % 60)
 }
 
+// A text for a label that would take what looks like markup for it.
+function asPlainText(text) {
+    if (text.indexOf("<") < 0)
+        return text
+    return "<p>" + text.replace(/&/g, "&amp;").replace(/</g, "&lt;").replace(/\n/g, "<br>") + "</p>"
+}
+
 // A text with the passwords of the addresses in it left out.
 function withoutPasswords(text) {
     return text.toString().replace(/([a-z][a-z0-9+.\-]*:\/\/[^\/\s:@]*):[^\/\s]*@/gi, "$1@")

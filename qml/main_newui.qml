@@ -19,7 +19,7 @@ FocusScope {
 
     function onDisplayMessage(message, icon) {
         messageDialog.icon = icon ? icon : StandardIcon.Information
-        messageDialog.text = message
+        messageDialog.text = Lib.asPlainText(message) // a server may have written it
         messageDialog.open()
         orbGlobalObject.restoreCursor()
     }

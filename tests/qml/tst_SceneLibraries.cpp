@@ -37,6 +37,7 @@ void tst_SceneLibraries::initTestCase()
         import "fieldOfView.js" as FieldOfView
         QtObject {
             function time(milliseconds) { return Lib.formatTime(milliseconds) }
+            function plain(text) { return Lib.asPlainText(text) }
             function allowed(fov, projection, reset) {
                 return FieldOfView.allowed(fov, projection, OrbShaderCodeBuilder, reset)
             }
@@ -67,6 +68,10 @@ void tst_SceneLibraries::aCallGives_data()
     time(3661000, "1:01:01");
     time(359999000, "99:59:59");
     time(360000000, "100:00:00");
+
+    row(QStringLiteral(R"(plain("a & b\nc"))"), QStringLiteral("a & b\nc"));
+    row(QStringLiteral(R"(plain("<img src='x'> &lt;\n"))"),
+        QStringLiteral("<p>&lt;img src='x'> &amp;lt;<br></p>"));
 
     const int largest[] = {180, 130, 360, 180, 360, 180}; // of each projection and of no projection
     QCOMPARE(int(std::size(largest)), OrbShaderCodeBuilder::LAST_VALUE_PROJECTION + 1);
