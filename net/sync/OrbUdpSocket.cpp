@@ -199,9 +199,7 @@ QUrl OrbUdpSocket::localUrl(const QString &url) const
     default:
         return received.isValid() ? received : QUrl();
     }
-    const QString name = received.fileName(QUrl::FullyDecoded);
-    if (name.contains(QLatin1Char('/')))
-        return {}; // an encoded one would lead out of the folder
-    const QString path = QStandardPaths::locate(location, name, QStandardPaths::LocateFile);
+    const QString path = QStandardPaths::locate(location, received.fileName(QUrl::FullyDecoded),
+                                                QStandardPaths::LocateFile);
     return path.isEmpty() ? QUrl() : QUrl::fromLocalFile(path);
 }

@@ -132,8 +132,7 @@ void tst_SyncPacket::foreignTextIsReadAsFarAsItMakesSense_data()
         QTest::newRow(name) << QByteArray(text) << yaw << position << QString::fromUtf8(url);
     };
     row("other members are of no account", R"({"x":"y","yaw":2})", 2, 0, "");
-    row("brackets in a name", R"({"url":"file:///a[1] {\\\"b.mp4"})", 0, 0,
-        "file:///a[1] {\\\"b.mp4");
+    row("brackets in a name", R"({"url":"file:///a\"[1] {b.mp4"})", 0, 0, "file:///a\"[1] {b.mp4");
     row("white space", " {\n\"yaw\" : 2 }\n", 2, 0, "");
     row("numbers as texts", R"({"yaw":"2.5","position":"70"})", 2.5F, 70, "");
     row("types that are none", R"({"yaw":"left","position":"","url":null})", 0, 0, "");
@@ -201,6 +200,7 @@ void tst_SyncPacket::unsoundBinaryIsRefused_data()
         {"a size that runs over", damaged(8, 0xffffffff)},
         {"an array", damaged(12, 14)},
         {"more members than bytes", damaged(12, 0xffffffff)},
+        {"a few more members than bytes", damaged(12, 20U << 1U | 1U)},
         {"the table in the header", damaged(16, 8)},
         {"the table behind the end", damaged(16, 0xfffffffc)},
         {"a member behind the end", damaged(20 + 0xbc - 12, 0xfffffffc)},
