@@ -133,6 +133,7 @@ void measureFollowing(AimTable &table, OrbSettingsManager *settings, const QStri
 {
     Master master(settings);
     std::vector<std::unique_ptr<Slave>> slaves;
+    slaves.reserve(size_t(count));
     for (int i = 0; i < count; ++i)
         slaves.push_back(std::make_unique<Slave>(folder, i));
     master.camera.setYaw(kYaw);

@@ -51,6 +51,7 @@ std::vector<QImage> Wall::pictures() const
     const QImage screen = QGuiApplication::primaryScreen()->grabWindow(0).toImage().convertToFormat(
         QImage::Format_RGB32);
     std::vector<QImage> pictures;
+    pictures.reserve(m_players.size());
     for (int number = 0; number < count(); ++number)
         pictures.push_back(screen.copy({place(number).topLeft(), QSize(640, kSeenHeight)}));
     return pictures;

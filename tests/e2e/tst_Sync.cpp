@@ -154,10 +154,11 @@ void tst_Sync::slavesFollowTheirMaster()
     QTRY_VERIFY_WITH_TIMEOUT(allPlay(), 30000);
     master.order("key Space");
     QTRY_VERIFY_WITH_TIMEOUT(allStand(), 20000);
-    const int pausedAt = frames()[0];
+    const int pausedAt = frames().constFirst();
     for (int i = 0; i < 3; ++i)
         master.order("key Ctrl+Up"); // six seconds each
-    QTRY_VERIFY_WITH_TIMEOUT(frames()[0] > pausedAt + 17 * kFramesPerSecond && allStand(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(frames().constFirst() > pausedAt + 17 * kFramesPerSecond && allStand(),
+                             20000);
     master.order("key Space");
     QTRY_VERIFY_WITH_TIMEOUT(allPlay(), 20000);
     QCOMPARE(m_wall->end(), QString());

@@ -220,7 +220,7 @@ void tst_OrbHostingManager::theAddressTakesTextsAsTheyAre()
     Stage stage;
     stage.manager.requestConnection(QStringLiteral("%3"), QStringLiteral("gr\u00fc\u00df?"));
     QVERIFY(stage.settle());
-    QCOMPARE(stage.asked().first(), QStringLiteral("GET public/token/%253/gr%C3%BC%C3%9F?"));
+    QCOMPARE(stage.asked().constFirst(), QStringLiteral("GET public/token/%253/gr%C3%BC%C3%9F?"));
 }
 
 void tst_OrbHostingManager::aPageIsAskedForAndFillsTheModel_data()
@@ -247,7 +247,7 @@ void tst_OrbHostingManager::aPageIsAskedForAndFillsTheModel()
     stage.server.queue(videos(3));
     stage.manager.requestContent(category, 0, QStringLiteral("bob"));
     QVERIFY(stage.settle());
-    QTEST(stage.asked().first(), "asked");
+    QTEST(stage.asked().constFirst(), "asked");
     const HostingServer::Request request = stage.server.requests().at(stage.seen);
     QCOMPARE(request.headers.value("content-type"), QByteArray("application/json"));
     QVERIFY(request.headers.value("authorization").startsWith("Bearer"));
@@ -366,7 +366,7 @@ void tst_OrbHostingManager::aFailedRefreshForgetsTheRequest()
              words("Content, None, Connecting, Connection, failure, None, Disconnected"));
     stage.manager.requestConnection(kAnn, kPassword);
     QVERIFY(stage.settle());
-    QCOMPARE(stage.asked().last(), QStringLiteral("GET public/token/ann/open%20sesame"));
+    QCOMPARE(stage.asked().constLast(), QStringLiteral("GET public/token/ann/open%20sesame"));
 }
 
 void tst_OrbHostingManager::theFirstReplyMayBeThatOfAnExpiredToken()
@@ -394,7 +394,7 @@ void tst_OrbHostingManager::aFailureIsTold_data()
                 << answer << int(type) << QString::fromLatin1(message);
     };
     const QByteArray grant = expired().body;
-    constexpr char unparsable[] = "^Failed to parse server response to JSON\\.$";
+    constexpr char unparsable[] = "Failed to parse server response to JSON.";
     rows("status 401", {grant, 401, Answer::Whole, {}}, "authentication");
     rows("status 500", {grant, 500, Answer::Whole, {}}, "server replied");
     rows("a redirection", {grant.left(9), 302, Answer::Whole, "Location: /\r\n"}, unparsable);
@@ -403,7 +403,7 @@ void tst_OrbHostingManager::aFailureIsTold_data()
     rows("packed noise", {garbage(1000), 200, Answer::Whole, "Content-Encoding: gzip\r\n"},
          unparsable);
     rows("nothing", {{}, 200, Answer::Whole, {}}, unparsable);
-    rows("an error", failing("No."), "^Error in server response : invalid_grant No\\.$");
+    rows("an error", failing("No."), "Error in server response : invalid_grant No.");
     rows("cut short", {"[]", 200, Answer::CutShort, {}}, "closed");
     rows("without end", {QByteArray(1 << 18, ' '), 200, Answer::Endless, {}}, "canceled");
 }
@@ -424,7 +424,7 @@ void tst_OrbHostingManager::aFailureIsTold()
     else
         stage.manager.requestConnection(kAnn, kPassword);
     QVERIFY(stage.settle());
-    QVERIFY2(stage.error.contains(QRegularExpression(message)), qPrintable(stage.error));
+    QVERIFY2(stage.error.contains(message), qPrintable(stage.error));
     if (type == OrbHostingManager::Content) {
         QCOMPARE(stage.log, words("Content, icon 3, None"));
         QVERIFY(stage.settings.keys.isEmpty());
@@ -434,10 +434,9 @@ void tst_OrbHostingManager::aFailureIsTold()
         QVERIFY(stage.settle());
         QCOMPARE(stage.asked().size(), 2);
     } else {
-        QCOMPARE(stage.log.mid(stage.log.size() - 5),
-                 words("Connecting, x, failure, None, Disconnected")
-                     .replaceInStrings(QStringLiteral("x"),
-                                       name(OrbHostingManager::RequestType(type))));
+        QStringList expected = words("Connecting, x, failure, None, Disconnected");
+        expected[1] = name(OrbHostingManager::RequestType(type));
+        QCOMPARE(stage.log.mid(stage.log.size() - 5), expected);
         for (const QVariant &value : qAsConst(stage.settings.values))
             QCOMPARE(value, QVariant(QString()));
     }

@@ -9,8 +9,13 @@ const QString kPort = QStringLiteral("Port");
 const QString kRate = QStringLiteral("Refresh rate in milliseconds");
 const QString kPart = QStringLiteral("Address part %1");
 
-const QStringList kNames{"state",  "port",     "rate",    "format",
-                         "ipMode", "ipCustom", "urlMode", "orientation"};
+constexpr const char *kNames[] = {"state",  "port",     "rate",    "format",
+                                  "ipMode", "ipCustom", "urlMode", "orientation"};
+
+QString settingKey(const char *name)
+{
+    return QStringLiteral("application/communication/") + QLatin1String(name);
+}
 } // namespace
 
 /// The panel of the settings of copies in step.
@@ -37,16 +42,15 @@ private slots:
 QVariantList tst_MainWindowCommunication::stored() const
 {
     QVariantList values;
-    for (const QString &name : kNames)
-        values.append(view()->getSetting(QStringLiteral("application/communication/") + name));
+    for (const char *name : kNames)
+        values.append(view()->getSetting(settingKey(name)));
     return values;
 }
 
 void tst_MainWindowCommunication::store(const QVariantList &values)
 {
     for (int i = 0; i < values.size(); ++i)
-        view()->setSetting(QStringLiteral("application/communication/") + kNames.at(i),
-                           values.at(i));
+        view()->setSetting(settingKey(kNames[i]), values.at(i));
 }
 
 void tst_MainWindowCommunication::openPanel()
