@@ -27,7 +27,7 @@ public:
         : log(callLog)
     {}
 
-    Q_INVOKABLE void seek(const QVariant &offset)
+    Q_INVOKABLE void seek(const QVariant &offset) const
     {
         *log += QStringLiteral("seek %1").arg(offset.toInt());
     }
