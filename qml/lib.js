@@ -21,5 +21,5 @@ function asPlainText(text) {
 
 // A text with the passwords of the addresses in it left out.
 function withoutPasswords(text) {
-    return text.toString().replace(/([a-z][a-z0-9+.\-]*:\/\/[^\/\s:@]*):[^\/\s]*@/gi, "$1@")
+    return text.toString().replace(/(:\/\/[^\/\s:@]*):[^\/\s]*@/g, "$1@")
 }
