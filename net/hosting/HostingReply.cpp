@@ -45,7 +45,7 @@ HostingReply HostingReply::parse(const QByteArray &body)
 HostingReply HostingReply::failed(const QString &reason)
 {
     HostingReply reply;
-    reply.errorMessage = reason;
+    reply.errorMessage = reason.left(kLongestMessage);
     return reply;
 }
 

@@ -11,9 +11,9 @@
 namespace BinaryJson {
 
 /// Whether the bytes hold an object of which all lies inside them, whose members are no objects or
-/// arrays and share no bytes. Qt's own check, as of 5.15, reads outside them where a size is close
-/// to 2^32, and lets members share theirs, so that a few hundred bytes may unfold into more than
-/// any memory holds.
+/// arrays and together no larger than it. Qt's own check, as of 5.15, reads outside the bytes where
+/// a size is close to 2^32, and lets members share theirs, so that a few hundred bytes may unfold
+/// into more than any memory holds.
 bool isFlatObject(const QByteArray &bytes);
 
 } // namespace BinaryJson

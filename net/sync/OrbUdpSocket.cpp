@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 
 constexpr int kSeekThresholdMs = 3000;
 constexpr auto kSeekPause = 1000ms;
-constexpr qint64 kReadingMs = 5; ///< in one pass of the event loop
+constexpr qint64 kReadingNs = 5'000'000; // in one pass of the event loop
 
 QString key(const char *name)
 {
@@ -125,7 +125,7 @@ void OrbUdpSocket::readData()
     reading.start();
     // The last attempt finds nothing and is needed all the same: without one Qt tells of no later
     // datagram, and it tells of some that are gone by now.
-    while (!reading.hasExpired(kReadingMs)) {
+    while (reading.nsecsElapsed() < kReadingNs) {
         QByteArray bytes(int(qMax<qint64>(0, m_socket->pendingDatagramSize())), '\0');
         if (m_socket->readDatagram(bytes.data(), bytes.size()) < 0)
             return;
@@ -162,10 +162,10 @@ void OrbUdpSocket::followMedia(const SyncPacket &packet)
     const QPointer<QObject> player = mediaPlayerOf(loader);
     if (!player)
         return;
-    if (player->property("mediaSource").toUrl() != url) {
-        QMetaObject::invokeMethod(loader, "processFileSource", Q_ARG(QVariant, url),
-                                  Q_ARG(QVariant, true), Q_ARG(QVariant, true),
-                                  Q_ARG(QVariant, QString()));
+    if (m_refused != url) {
+        m_refused.reset();
+        if (player->property("mediaSource").toUrl() != url)
+            open(url);
     }
     if (player && player->property("playbackState").toInt() != packet.state)
         QMetaObject::invokeMethod(loader, "syncPlaybackState", Q_ARG(QVariant, packet.state));
@@ -177,6 +177,19 @@ void OrbUdpSocket::followMedia(const SyncPacket &packet)
     m_maySeek = false;
     QMetaObject::invokeMethod(player, "seek", Q_ARG(QVariant, packet.position));
     QTimer::singleShot(kSeekPause, Qt::PreciseTimer, this, &OrbUdpSocket::unlockSync);
+}
+
+/// Opens what the master shows. What this copy cannot open it tells the user once, not with every
+/// datagram until the master shows something else.
+void OrbUdpSocket::open(const QUrl &url)
+{
+    QObject *loader = m_state->mediaLoader();
+    QMetaObject::invokeMethod(loader, "processFileSource", Q_ARG(QVariant, url),
+                              Q_ARG(QVariant, true), Q_ARG(QVariant, true),
+                              Q_ARG(QVariant, QString()));
+    const QObject *player = mediaPlayerOf(m_state->mediaLoader());
+    const bool isOpen = player && player->property("mediaSource").toUrl() == url;
+    m_refused = isOpen ? std::nullopt : std::optional(url);
 }
 
 void OrbUdpSocket::unlockSync()

@@ -3,13 +3,13 @@
 #include <QHostAddress>
 #include <QObject>
 #include <QString>
+#include <QUrl>
 
 #include <optional>
 
 class OrbGlobalObject;
 class QTimer;
 class QUdpSocket;
-class QUrl;
 struct SyncPacket;
 
 /// Keeps copies of the program in step over UDP. A master sends its camera, media, state and
@@ -61,6 +61,7 @@ private:
     std::optional<SyncPacket> decode(const QByteArray &bytes) const;
     void follow(const SyncPacket &packet);
     void followMedia(const SyncPacket &packet);
+    void open(const QUrl &url);
     QUrl localUrl(const QString &url) const;
 
     QUdpSocket *m_socket = nullptr; ///< a child, as the timer; none if neither master nor slave
@@ -73,7 +74,8 @@ private:
     int m_urlMode = Absolute;
     bool m_followsOrientation = true;
     int m_format = JSON;
-    bool m_maySeek = true;       ///< false for a second after a seek
-    bool m_readsOnLater = false; ///< a call of readData() is queued
+    bool m_maySeek = true;         ///< false for a second after a seek
+    bool m_readsOnLater = false;   ///< a call of readData() is queued
+    std::optional<QUrl> m_refused; ///< what the master shows, if this copy cannot open it
     OrbGlobalObject *m_state;
 };

@@ -11,6 +11,8 @@
 
 namespace {
 
+constexpr int kLongestUrl = 16384; // letters; the longest path that Linux takes, each byte escaped
+
 const QLatin1String kId("id");
 const QLatin1String kYaw("yaw");
 const QLatin1String kPitch("pitch");
@@ -77,9 +79,9 @@ std::optional<SyncPacket> packet(const QJsonDocument &document)
     SyncPacket packet;
     packet.id = map.value(kId).toString();
     packet.url = map.value(kUrl).toString();
-    const bool isSound = read(packet.yaw, map.value(kYaw)) && read(packet.pitch, map.value(kPitch))
-        && read(packet.roll, map.value(kRoll)) && read(packet.state, map.value(kState))
-        && read(packet.position, map.value(kPosition));
+    const bool isSound = packet.url.size() <= kLongestUrl && read(packet.yaw, map.value(kYaw))
+        && read(packet.pitch, map.value(kPitch)) && read(packet.roll, map.value(kRoll))
+        && read(packet.state, map.value(kState)) && read(packet.position, map.value(kPosition));
     return isSound ? std::optional(packet) : std::nullopt;
 }
 

@@ -21,8 +21,9 @@ struct SyncPacket
     QByteArray toBinary() const;
 
     /// The packet in any bytes. Nothing if they are no such document with at least one member, if a
-    /// member is an object or array, which no packet has, if an angle is not finite or a number out
-    /// of its type's range. A member that is missing or no number counts as 0 or empty.
+    /// member is an object or array, which no packet has, if an angle is not finite, a number out
+    /// of its type's range, or the url longer than any of use. A member that is missing or no
+    /// number counts as 0 or empty.
     static std::optional<SyncPacket> fromText(const QByteArray &bytes);
     static std::optional<SyncPacket> fromBinary(const QByteArray &bytes);
 };

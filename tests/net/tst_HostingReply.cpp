@@ -83,6 +83,7 @@ void tst_HostingReply::aLongErrorIsCut()
                                                    + "\"}");
     QVERIFY(reply.errorMessage.startsWith(QLatin1String("Error in server response : xxx")));
     QVERIFY(reply.errorMessage.size() < 1100);
+    QVERIFY(HostingReply::failed(QString(100000, QLatin1Char('x'))).errorMessage.size() < 1100);
 }
 
 QTEST_APPLESS_MAIN(tst_HostingReply)

@@ -398,11 +398,9 @@ void tst_OrbHostingManager::aFailureIsTold_data()
     rows("status 401", {grant, 401, Answer::Whole, {}}, "authentication");
     rows("status 500", {grant, 500, Answer::Whole, {}}, "server replied");
     rows("a redirection", {grant.left(9), 302, Answer::Whole, "Location: /\r\n"}, unparsable);
-    rows("noise", {garbage(1000), 200, Answer::Whole, {}}, unparsable);
     rows("a megabyte of noise", {garbage(1 << 20), 200, Answer::Whole, {}}, unparsable);
     rows("packed noise", {garbage(1000), 200, Answer::Whole, "Content-Encoding: gzip\r\n"},
          unparsable);
-    rows("nothing", {{}, 200, Answer::Whole, {}}, unparsable);
     rows("an error", failing("No."), "Error in server response : invalid_grant No.");
     rows("cut short", {"[]", 200, Answer::CutShort, {}}, "closed");
     rows("without end", {QByteArray(1 << 18, ' '), 200, Answer::Endless, {}}, "canceled");
@@ -496,42 +494,27 @@ void tst_OrbHostingManager::aDisconnectionWipesEverything()
 
 void tst_OrbHostingManager::anEndInTheMiddleOfARequestTellsNothing_data()
 {
-    QTest::addColumn<bool>("isAnswered");
     QTest::addColumn<Answer>("answer");
-    QTest::newRow("amid the handshake") << false << Answer();
-    QTest::newRow("before the answer") << true << Answer{{}, 200, Answer::Never, {}};
-    QTest::newRow("amid the answer") << true << Answer{" ", 200, Answer::Endless, {}};
+    QTest::newRow("before the answer") << Answer{{}, 200, Answer::Never, {}};
+    QTest::newRow("amid the answer") << Answer{" ", 200, Answer::Endless, {}};
 }
 
 /// Meanwhile the client does not stand in the way of others, and no other request goes out.
 void tst_OrbHostingManager::anEndInTheMiddleOfARequestTellsNothing()
 {
-    QFETCH(bool, isAnswered);
     QFETCH(Answer, answer);
     HostingServer server;
-    QTcpServer mute; // takes connections and says nothing
-    QVERIFY(mute.listen(QHostAddress::LocalHost));
     server.queue(answer);
     Settings settings;
-    auto manager = std::make_unique<OrbHostingManager>(&settings,
-                                                       isAnswered
-                                                           ? server.baseUrl()
-                                                           : QStringLiteral("https://127.0.0.1:%1/")
-                                                                 .arg(mute.serverPort()));
+    auto manager = std::make_unique<OrbHostingManager>(&settings, server.baseUrl());
     manager->requestConnection(kAnn, kPassword);
-    QTRY_VERIFY(mute.hasPendingConnections() || !server.requests().isEmpty());
+    QTRY_VERIFY(!server.requests().isEmpty());
     manager->requestContent();
-    QTimer timer;
-    timer.setSingleShot(true);
-    timer.start(100);
-    QTRY_VERIFY(!timer.isActive());
     QCOMPARE(manager->requestType(), OrbHostingManager::Connection);
     QSignalSpy responses(manager.get(), &OrbHostingManager::requestResponse);
-    QSignalSpy states(manager.get(), &OrbHostingManager::hostingStateChanged);
-    QSignalSpy types(manager.get(), &OrbHostingManager::requestTypeChanged);
     manager.reset();
-    QCOMPARE(responses.count() + states.count() + types.count(), 0);
-    QCOMPARE(server.requests().size(), isAnswered ? 1 : 0);
+    QCOMPARE(responses.count(), 0);
+    QCOMPARE(server.requests().size(), 1);
     QVERIFY(settings.keys.isEmpty());
 }
 

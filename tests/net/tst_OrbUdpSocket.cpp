@@ -49,6 +49,8 @@ public:
                                        const QVariant &clearPlayList, const QVariant &error)
     {
         log += QStringLiteral("open %1").arg(source.toUrl().toString());
+        if (refuses)
+            return;
         if (!checkFile.toBool() || !clearPlayList.toBool() || !error.toString().isEmpty())
             log += QStringLiteral("with other arguments");
         video.mediaSource = source.toUrl();
@@ -61,7 +63,8 @@ public:
     }
 
     QStringList log;
-    int busyMs = 0; ///< that a change of state takes
+    bool refuses = false; ///< what it should open
+    int busyMs = 0;       ///< that a change of state takes
     Player video{&log};
     QObject *player = &video;
 };
@@ -138,12 +141,13 @@ private slots:
     void theModeDecidesWhatTheCopyIs();
     void aMasterSendsItsState_data();
     void aMasterSendsItsState();
-    void anAddressThatIsNoneSendsNothing();
+    void theRateIsTheTimersInterval();
     void aSlaveTakesOnlyPacketsOfItsKind_data();
     void aSlaveTakesOnlyPacketsOfItsKind();
     void aSlaveFindsItsMediaByTheUrlMode_data();
     void aSlaveFindsItsMediaByTheUrlMode();
     void aSlaveWithoutMediaFollowsTheCameraAlone();
+    void whatCannotBeOpenedIsTriedOnce();
     void theStateIsAskedForUntilItAgrees();
     void onlyMoreThanThreeSecondsAreSought_data();
     void onlyMoreThanThreeSecondsAreSought();
@@ -186,6 +190,15 @@ void tst_OrbUdpSocket::theModeDecidesWhatTheCopyIs()
     QTEST(role, "role");
     QCOMPARE(udp && udp->state() == QUdpSocket::BoundState, role == QLatin1String("slave"));
     QCOMPARE(timer ? timer->interval() : 20, 20);
+}
+
+void tst_OrbUdpSocket::theRateIsTheTimersInterval()
+{
+    for (const int rate : {50, 0, -5}) {
+        GlobalObjectFixture camera(communication({{QStringLiteral("rate"), rate}}, freePort()));
+        const OrbUdpSocket socket(&camera.object, QStringLiteral("master"));
+        QCOMPARE(socket.findChild<QTimer *>()->interval(), qMax(0, rate));
+    }
 }
 
 void tst_OrbUdpSocket::aMasterSendsItsState_data()
@@ -233,18 +246,6 @@ void tst_OrbUdpSocket::aMasterSendsItsState()
         // The binary form itself is held to a fixture beside the packet.
         QCOMPARE(bytes, format == 0 ? text : SyncPacket::fromText(text)->toBinary());
     }
-}
-
-void tst_OrbUdpSocket::anAddressThatIsNoneSendsNothing()
-{
-    GlobalObjectFixture camera(communication({{QStringLiteral("ipMode"), "custom"},
-                                              {QStringLiteral("ipCustom"), "999.1.1.1"},
-                                              {QStringLiteral("rate"), -5}},
-                                             freePort()));
-    OrbUdpSocket socket(&camera.object, QStringLiteral("master"));
-    QCOMPARE(socket.findChild<QTimer *>()->interval(), 0);
-    socket.writeData();
-    QCoreApplication::processEvents();
 }
 
 void tst_OrbUdpSocket::aSlaveTakesOnlyPacketsOfItsKind_data()
@@ -349,6 +350,16 @@ void tst_OrbUdpSocket::aSlaveWithoutMediaFollowsTheCameraAlone()
     slave.camera.object.setMediaLoader(nullptr);
     slave.send(packet(9000, 1));
     QVERIFY(slave.hasTurned());
+}
+
+void tst_OrbUdpSocket::whatCannotBeOpenedIsTriedOnce()
+{
+    Slave slave;
+    slave.loader.refuses = true;
+    for (const char *url : {"rtsp://a", "rtsp://a", "rtsp://b", "rtsp://a", kFilm, "rtsp://a"})
+        slave.send(packet(0, 0, url));
+    const QStringList tried{"open rtsp://a", "open rtsp://b", "open rtsp://a", "open rtsp://a"};
+    QCOMPARE(slave.loader.log, tried);
 }
 
 void tst_OrbUdpSocket::theStateIsAskedForUntilItAgrees()
