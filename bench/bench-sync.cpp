@@ -36,7 +36,7 @@ constexpr int kDeadlineMs = 20000;
 constexpr int kSendingMs = 10000;
 
 /// All copies of this machine hear what goes there.
-const char kBroadcast[] = "127.255.255.255";
+constexpr char kBroadcast[] = "127.255.255.255";
 
 QString name(int slaves)
 {

@@ -1,5 +1,6 @@
 import QtQuick 2.0
 import QtQuick.Controls 1.1
+import OrbixSight 1.0
 import "../theme"
 import "../wall"
 
@@ -7,9 +8,14 @@ import "../wall"
 FocusScope {
     id: popupHostingConnection
 
+    // The service is asked one thing at a time; what is asked meanwhile is lost.
+    readonly property bool isFree: orbHostingManager.requestType === OrbHostingManager.None
+
     signal close(string rootState)
 
     function login() {
+        if (!isFree)
+            return
         message.text = qsTr("Connecting...")
         orbHostingManager.requestConnection(userName.text, password.text)
     }
@@ -99,6 +105,7 @@ FocusScope {
             Button {
                 text: qsTr("OK")
                 isDefault: true
+                enabled: isFree
 
                 onClicked: login()
             }

@@ -5,9 +5,10 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
-constexpr int kSeenHeight = 216;
+constexpr QRect kSeen(0, 60, 640, 156); // of a window
 } // namespace
 
 Player &Wall::add(const QVariantMap &communication)
@@ -28,22 +29,20 @@ QRect Wall::place(int number) const
 bool Wall::start(int number, const QStringList &arguments)
 {
     Player &copy = player(number);
-    copy.start(arguments);
+    copy.start(QStringList(QStringLiteral("--demo")) + arguments); // without the panel of the start
+    const QRect to = place(number);
     const auto isShown = [](const QJsonObject &state) {
         return state.value(QLatin1String("frames")).toInt() > 0;
     };
     if (!copy.waitForState(isShown))
         return false;
-    const QRect to = place(number);
     copy.order(QStringLiteral("place %1 %2 %3 %4")
                    .arg(to.x())
                    .arg(to.y())
                    .arg(to.width())
                    .arg(to.height())
                    .toUtf8());
-    copy.order("key Escape"); // the panel of the start
-    return copy.waitForState(
-        [](const QJsonObject &state) { return !Player::shows(state, QStringLiteral("Videos")); });
+    return true;
 }
 
 std::vector<QImage> Wall::pictures() const
@@ -53,8 +52,18 @@ std::vector<QImage> Wall::pictures() const
     std::vector<QImage> pictures;
     pictures.reserve(m_players.size());
     for (int number = 0; number < count(); ++number)
-        pictures.push_back(screen.copy({place(number).topLeft(), QSize(640, kSeenHeight)}));
+        pictures.push_back(screen.copy(kSeen.translated(place(number).topLeft())));
     return pictures;
+}
+
+bool Wall::writePanorama(const QString &path)
+{
+    QImage picture(1024, 512, QImage::Format_RGB32);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            picture.setPixel(x, y, qRgb(x / 4, y / 2, 255 * ((x / 64 + y / 64) % 2)));
+    }
+    return picture.save(path);
 }
 
 bool Wall::areAlike(const QImage &left, const QImage &right)

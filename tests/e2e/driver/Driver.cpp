@@ -184,6 +184,10 @@ void Driver::readCommands()
 
 void Driver::obey(const QByteArray &command)
 {
+    for (const char *word : {"place", "drag", "key"}) {
+        if (!m_window && command.startsWith(word))
+            qFatal("The driver cannot %s before the window is shown", word);
+    }
     if (command.startsWith("exit ")) {
         end(command.mid(5).toInt());
     } else if (command.startsWith("open ")) {
@@ -192,6 +196,7 @@ void Driver::obey(const QByteArray &command)
         m_window->close();
     } else if (command.startsWith("place ")) {
         const QVector<double> to = numbers(command);
+        m_window->showNormal();
         m_window->setGeometry(int(to[0]), int(to[1]), int(to[2]), int(to[3]));
     } else if (command.startsWith("drag ")) {
         const QVector<double> way = numbers(command);
