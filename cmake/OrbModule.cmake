@@ -14,6 +14,7 @@ endif()
 
 # Height of each folder; a folder may link only folders below its own height. Folders of the same
 # height do not see each other.
+set(ORB_RANK_orb_gfl 0)
 set(ORB_RANK_orb_shell 1)
 set(ORB_RANK_orb_media 2)
 set(ORB_RANK_orb_orbimage 2)
@@ -24,8 +25,8 @@ set(ORB_RANK_orb_input 5)
 set(ORB_RANK_orb_net 5)
 set(ORB_RANK_orb_app 6)
 
-# orb_add_library(orb_NAME SOURCES … [PUBLIC …] [PRIVATE …] [INCLUDES …])
-# A static library of the current folder. Its headers are reachable only for what links it; INCLUDES
+# orb_add_library(orb_NAME [SOURCES …] [PUBLIC …] [PRIVATE …] [INCLUDES …])
+# A static library of the current folder, or headers alone where it has no sources. Its headers are reachable only for what links it; INCLUDES
 # names sub-folders whose headers belong to the public root too.
 function(orb_add_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE;INCLUDES" ${ARGN})
@@ -38,6 +39,12 @@ function(orb_add_library name)
                                 "(rank ${ORB_RANK_${lower}}): arrows run downwards only")
         endif()
     endforeach()
+    if(NOT ARG_SOURCES)
+        add_library(${name} INTERFACE)
+        target_include_directories(${name} INTERFACE ${CMAKE_CURRENT_SOURCE_DIR})
+        target_link_libraries(${name} INTERFACE ${ARG_PUBLIC})
+        return()
+    endif()
     add_library(${name} STATIC ${ARG_SOURCES})
     target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
     foreach(folder IN LISTS ARG_INCLUDES)
