@@ -3,7 +3,7 @@
 /// Start and stop of the image library. Main thread, after the application exists.
 namespace OrbImageLibrary {
 
-/// Registers the search path "Data" of the library's tables.
+/// Makes the library's tables available under the search path "Data".
 void start();
 
 void stop();
