@@ -26,8 +26,8 @@ set(ORB_RANK_orb_net 5)
 set(ORB_RANK_orb_app 6)
 
 # orb_add_library(orb_NAME [SOURCES …] [PUBLIC …] [PRIVATE …] [INCLUDES …])
-# A static library of the current folder, or headers alone where it has no sources. Its headers are reachable only for what links it; INCLUDES
-# names sub-folders whose headers belong to the public root too.
+# A static library of the current folder, or headers alone where it has no sources. Its headers are
+# reachable only for what links it; INCLUDES names sub-folders whose headers belong to the public root too.
 function(orb_add_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;PUBLIC;PRIVATE;INCLUDES" ${ARGN})
     if(NOT DEFINED ORB_RANK_${name})

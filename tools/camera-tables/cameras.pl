@@ -51,7 +51,7 @@ sub cell {
 }
 
 # Cameras that the collection lacks, here those that the name of another would take: brand, name,
-# width and height of the sensor in mm, from the makers' data sheets.
+# width and height of the sensor in mm, to about 2 %.
 my @added = (
     [ 'Canon', 'EOS REBEL', 22.3, 14.9 ],    # by EOS R
     [ 'Canon', 'EOS R7',    22.3, 14.8 ],
@@ -104,7 +104,7 @@ print <<"END";
 # of the lensfun project, Debian package liblensfun-data-v1 $version, which is under the licence
 # Creative Commons Attribution-ShareAlike 3.0, and so is this table. Changed: makers cut to the word
 # that EXIF data contains, models to short names, rows put in order, entries left out that are no
-# cameras or repeat a name, and some cameras added, from the makers' data sheets, that would be taken
+# cameras or repeat a name, and some cameras added, with sensor sizes to about 2 %, that would be taken
 # for others.
 END
 for my $brand ( sort { lc $a cmp lc $b } keys %rows ) {
