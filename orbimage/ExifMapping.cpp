@@ -23,12 +23,12 @@ struct PlaneUnit
 {
     std::string_view word; // what a value begins with
     double millimetres;
-    QLatin1String shown;
+    QStringView shown;
 };
 
-const PlaneUnit kPlaneUnits[] = {{"Inch", 25.4, QLatin1String("inch")},
-                                 {"cm", 10.0, QLatin1String("cm")},
-                                 {"um", 0.001, QLatin1String("\xb5m")}};
+constexpr PlaneUnit kPlaneUnits[] = {{"Inch", 25.4, u"inch"},
+                                     {"cm", 10.0, u"cm"},
+                                     {"um", 0.001, u"\u00b5m"}};
 
 const PlaneUnit *planeUnit(std::string_view text)
 {
@@ -93,7 +93,8 @@ QString summaryItem(const char *label, const GflExifEntry &item)
 {
     const PlaneUnit *const unit = item.tag == kPlaneUnitTag ? planeUnit(item.value) : nullptr;
     return QCoreApplication::translate("ImageDef", label) + QLatin1String(": \"")
-        + (unit ? QString(unit->shown) : QString::fromStdString(item.value)) + QLatin1String("\";");
+        + (unit ? unit->shown.toString() : QString::fromStdString(item.value))
+        + QLatin1String("\";");
 }
 
 void takeMakerNote(const GflExifEntry &item, ImageMetadata &metadata)
