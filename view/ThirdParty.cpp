@@ -23,6 +23,13 @@ constexpr Notice kNotices[] = {
      "Copyright (C) the GStreamer project and its authors.\n"
      "Licensed under the GNU Lesser General Public License, version 2.1 or later.\n"
      "Its text stands in /usr/share/common-licenses/LGPL-2.1."},
+    {"Table of cameras ",
+     "From the camera collection of the lensfun project, by its contributors; changed.\n"
+     "Licensed under Creative Commons Attribution-ShareAlike 3.0."},
+    {"Table of lenses ",
+     "Numbers and names of ExifTool, by Phil Harvey; changed.\n"
+     "Licensed as Perl itself: GNU General Public License or Artistic License.\n"
+     "Their texts stand in /usr/share/common-licenses/GPL-1 and Artistic."},
 };
 
 } // namespace
