@@ -33,7 +33,7 @@ QVector<QStringList> TableRows::read(const QString &fileName)
     if (!QFileInfo(fileName).isFile() || file.size() > kLargestFile
         || !file.open(QIODevice::ReadOnly)) {
         // A program without its tables still plays everything, so nobody is told.
-        qCDebug(lcImage).noquote() << QStringLiteral("Can't open %1").arg(fileName);
+        qCDebug(lcImage, "Can't open %s", qUtf8Printable(fileName));
         return {};
     }
     QTextStream text(file.read(kLargestFile));
