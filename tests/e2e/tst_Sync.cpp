@@ -1,5 +1,6 @@
 #include "ClipWriter.h"
 #include "FrameCode.h"
+#include "FreePort.h"
 #include "Wall.h"
 #include "WarningsFail.h"
 
@@ -17,14 +18,6 @@ constexpr int kFramesPerSecond = 10;
 
 /// All slaves of this machine hear what goes there.
 const QString kLoopbackBroadcast = QStringLiteral("127.255.255.255");
-
-/// A port of this machine where nobody listens.
-quint16 freePort()
-{
-    QUdpSocket socket;
-    socket.bind();
-    return socket.localPort();
-}
 
 /// A datagram of a master that looks there and shows nothing.
 QByteArray packet(double yaw)

@@ -1,5 +1,6 @@
 #include "OrbUdpSocket.h"
 
+#include "FreePort.h"
 #include "GlobalObjectFixture.h"
 #include "SyncPacket.h"
 #include "WarningsFail.h"
@@ -91,14 +92,6 @@ QVariantMap communication(const QVariantMap &values, quint16 port)
     for (auto value = values.begin(); value != values.end(); ++value)
         stored.insert(QStringLiteral("application/communication/") + value.key(), value.value());
     return stored;
-}
-
-/// A port of this machine where nobody listens.
-quint16 freePort()
-{
-    QUdpSocket socket;
-    socket.bind();
-    return socket.localPort();
 }
 
 /// A slave that plays the film, and the plain socket that speaks to it.
