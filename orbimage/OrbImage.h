@@ -18,9 +18,10 @@
 class OrbImage
 {
 public:
-    /// Makes the bitmap. A bitmap of the same width, height, type and depth is kept with its pixels,
-    /// which `clear` sets to zero. The lines of a new bitmap begin at multiples of `padding` bytes.
-    /// `externalData` are pixels of someone else, who keeps them while this buffer lives.
+    /// Makes the bitmap. A bitmap of the same width, height, type and depth is kept with its
+    /// pixels, which `clear` sets to zero. The lines of a new bitmap begin at multiples of
+    /// `padding` bytes. `externalData` are pixels of someone else, who keeps them while this buffer
+    /// lives.
     void allocate(int width, int height, unsigned type, int bitsPerComponent, bool clear = false,
                   unsigned char *externalData = nullptr, int padding = 4);
 
@@ -31,8 +32,8 @@ public:
     /// have to lie inside.
     void copy(const OrbImage &source, const QRect &from, const QPoint &to);
 
-    /// Becomes `source` at a smaller or the same size in the given type and depth: each pixel is the
-    /// mean of the area that it covers. `source` is gray, RGB or RGBA (types 2, 16 and 32).
+    /// Becomes `source` at a smaller or the same size in the given type and depth: each pixel is
+    /// the mean of the area that it covers. `source` is gray, RGB or RGBA (types 2, 16 and 32).
     void reducedCopy(const OrbImage &source, int width, int height, unsigned type,
                      int bitsPerComponent);
 

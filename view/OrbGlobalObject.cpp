@@ -187,11 +187,11 @@ void OrbGlobalObject::interpolateValue(const QByteArray &property, float newValu
 void OrbGlobalObject::readMetaData(const QVariant &url)
 {
     const QUrl source = url.toUrl();
-    std::optional<ImageDef> image;
+    ImageDef *image = nullptr;
     if (isImageFile(source))
-        image = ImageDef::open(source.toLocalFile());
-    const double pitch = image ? image->zenithPitchDeg * kRadPerDeg : 0;
-    const double roll = image ? image->zenithRollDeg * kRadPerDeg : 0;
+        ImageDef::open(source.toLocalFile(), &image, false);
+    const double pitch = image ? image->metadata().zenithPitch * kRadPerDeg : 0;
+    const double roll = image ? image->metadata().zenithRoll * kRadPerDeg : 0;
 
     setYawCorrection(0, false);
     setPitchCorrection(static_cast<float>(pitch), false);

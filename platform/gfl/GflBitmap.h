@@ -25,9 +25,9 @@ constexpr int gflComponents(unsigned type)
     return type & 0x27A0u ? 4 : 0;
 }
 
-/// A rectangle of pixels, from the top left, components interleaved. A sample is an unsigned integer
-/// of 8 or 16 bits in the machine's byte order, the whole range from black to white, or a float of
-/// 32 bits from 0 to 1, more for a light that is brighter than white.
+/// A rectangle of pixels, from the top left, components interleaved. A sample is an unsigned
+/// integer of 8 or 16 bits in the machine's byte order, the whole range from black to white, or a
+/// float of 32 bits from 0 to 1, more for a light that is brighter than white.
 struct GflBitmap
 {
     unsigned type = 0;

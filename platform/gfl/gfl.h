@@ -6,9 +6,10 @@
 #include <string>
 #include <vector>
 
-/// Reading and writing of image files. Between gflLibraryInitEx and gflLibraryExit all functions may
-/// be called from any thread. Paths are UTF-8. Every file may be hostile: what cannot be read is an
-/// error or missing, and describing a file takes a bounded amount of memory whatever it holds.
+/// Reading and writing of image files. Between gflLibraryInitEx and gflLibraryExit all functions
+/// may be called from any thread. Paths are UTF-8. Every file may be hostile: what cannot be read
+/// is an error or missing, and describing a file takes a bounded amount of memory whatever it
+/// holds.
 
 /// What went wrong. The values are shown to users and stay.
 enum class GflError {
