@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <cstddef>
+#include <utility>
 
 /// A buffer of pixels. Not shared between threads without a lock. Whatever cannot be done throws an
 /// OrbException and leaves the buffer as it was.
@@ -18,6 +19,16 @@
 class OrbImage
 {
 public:
+    OrbImage() = default;
+    OrbImage(OrbImage &&other) noexcept
+        : m_bitmap(std::exchange(other.m_bitmap, {}))
+    {}
+    OrbImage &operator=(OrbImage &&other) noexcept
+    {
+        m_bitmap = std::exchange(other.m_bitmap, {});
+        return *this;
+    }
+
     /// Makes the bitmap. A bitmap of the same width, height, type and depth is kept with its
     /// pixels, which `clear` sets to zero. The lines of a new bitmap begin at multiples of
     /// `padding` bytes. `externalData` are pixels of someone else, who keeps them while this buffer
