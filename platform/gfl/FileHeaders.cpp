@@ -1,12 +1,11 @@
 #include "FileHeaders.h"
 
-std::optional<GflFileInformation> FileHeaders::any(const RegularFile &file, const std::string &path)
+std::optional<GflFileInformation> FileHeaders::any(const FileSlice &file)
 {
-    const FileSlice slice(file);
-    for (const auto header : {jpeg, png, psd, tiff}) {
-        const std::optional<GflFileInformation> information = header(slice);
+    for (const auto header : {jpeg, png, tiff, psd, exr, radiance}) {
+        const std::optional<GflFileInformation> information = header(file);
         if (information)
             return information;
     }
-    return other(path);
+    return std::nullopt;
 }

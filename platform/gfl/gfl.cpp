@@ -10,6 +10,7 @@
 #include <QImage>
 #include <QImageReader>
 
+#include <exiv2/bmffimage.hpp>
 #include <exiv2/error.hpp>
 #include <exiv2/image.hpp>
 #include <exiv2/xmp_exiv2.hpp>
@@ -51,6 +52,26 @@ Exiv2Image readImage(const RegularFile &file)
         return image;
     }
     return image;
+}
+
+/// The file's header, from Exiv2 for a format that the others do not know.
+std::optional<GflFileInformation> informationOf(const RegularFile &file)
+{
+    const std::optional<GflFileInformation> known = FileHeaders::any(FileSlice(file));
+    if (known)
+        return known;
+    const std::lock_guard<std::mutex> lock(g_exiv2);
+    const AllocationBudget budget(kMostMemory);
+    const Exiv2Image image = readImage(file);
+    if (!image || image->pixelWidth() <= 0 || image->pixelHeight() <= 0)
+        return std::nullopt;
+    GflFileInformation information;
+    information.width = image->pixelWidth();
+    information.height = image->pixelHeight();
+    information.componentsPerPixel = 3;
+    information.bitsPerComponent = 8;
+    information.description = image->mimeType();
+    return information;
 }
 
 GflMetadata readMetadata(const RegularFile &file)
@@ -95,6 +116,8 @@ QImage embeddedThumbnail(const RegularFile &file)
             return {};
         }
     }
+    if (jpeg.isEmpty())
+        return {};
     QBuffer buffer(&jpeg);
     QImageReader reader(&buffer, "jpeg");
     const QSize size = reader.size();
@@ -147,6 +170,7 @@ void gflLibraryInitEx()
 {
     Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
     Exiv2::XmpParser::initialize();
+    Exiv2::enableBMFF(); // HEIF, AVIF, JPEG XL and CR3
 }
 
 void gflLibraryExit()
@@ -159,7 +183,7 @@ GflError gflGetFileInformationExUTF8(const std::string &path, GflFileInformation
     const std::optional<RegularFile> file = RegularFile::open(path);
     if (!file)
         return GflError::FileOpen;
-    const std::optional<GflFileInformation> read = FileHeaders::any(*file, path);
+    const std::optional<GflFileInformation> read = informationOf(*file);
     if (!read)
         return GflError::UnknownFormat;
     *information = *read;
@@ -187,7 +211,7 @@ GflError gflLoadThumbnailUTF8(const std::string &path, int width, int height, co
     const QSize wanted(width, height);
     if (wanted.isEmpty() || pixels(wanted) > kMostPixels)
         return GflError::BadParameters;
-    const std::optional<GflFileInformation> information = FileHeaders::any(*file, path);
+    const std::optional<GflFileInformation> information = informationOf(*file);
     if (!information)
         return GflError::UnknownFormat;
 
