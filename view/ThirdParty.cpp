@@ -23,6 +23,24 @@ constexpr Notice kNotices[] = {
      "Copyright (C) the GStreamer project and its authors.\n"
      "Licensed under the GNU Lesser General Public License, version 2.1 or later.\n"
      "Its text stands in /usr/share/common-licenses/LGPL-2.1."},
+    {"Exiv2 ",
+     "Copyright (C) 2004-2022 Exiv2 authors.\n"
+     "Licensed under the GNU General Public License, version 2 or later.\n"
+     "Its text stands in /usr/share/common-licenses/GPL-2."},
+    {"LibTIFF ",
+     "Copyright (c) 1988-1997 Sam Leffler.\n"
+     "Copyright (c) 1991-1997 Silicon Graphics, Inc.\n"
+     "Its licence stands in /usr/share/doc/libtiff6/copyright."},
+    {"libpng ",
+     "Copyright (c) 1995-2022 The PNG Reference Library Authors.\n"
+     "Its licence stands in /usr/share/doc/libpng16-16/copyright."},
+    {"libjpeg-turbo ",
+     "This software is based in part on the work of the Independent JPEG Group.\n"
+     "Its licences stand in /usr/share/doc/libjpeg62-turbo/copyright."},
+    {"oneAPI Threading Building Blocks ",
+     "Copyright (c) 2005-2022 Intel Corporation.\n"
+     "Licensed under the Apache License, version 2.0.\n"
+     "Its text stands in /usr/share/common-licenses/Apache-2.0."},
     {"Table of cameras ",
      "From the camera collection of the lensfun project, by its contributors; changed.\n"
      "Licensed under Creative Commons Attribution-ShareAlike 3.0."},
