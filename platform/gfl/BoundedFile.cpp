@@ -4,7 +4,9 @@
 
 namespace {
 
-constexpr long kStepCost = 64; // in bytes: what a call of its own takes
+// In bytes: what a call costs beside them.
+constexpr long kByteCost = 16;
+constexpr long kStepCost = 128;
 
 } // namespace
 
@@ -25,7 +27,7 @@ long BoundedFile::read(Exiv2::byte *bytes, long count)
 
 int BoundedFile::getb()
 {
-    return take(1) ? FileIo::getb() : EOF;
+    return take(kByteCost) ? FileIo::getb() : EOF;
 }
 
 int BoundedFile::seek(long offset, Position position)

@@ -22,5 +22,5 @@ public:
 private:
     bool take(long count);
 
-    long m_left = 1L << 27; ///< bytes that may still be read; a step costs too
+    long m_left = 1L << 25; ///< bytes that may still be read; a step costs too
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::uint64_t kLongestHeader = 1 << 26; // profiles and depth maps stand in it
+constexpr std::uint64_t kLongestHeader = 1 << 25; // profiles and depth maps stand in it
 
 /// Feeds a file to libjpeg, which calls back from C: no exception may leave these.
 struct Source
