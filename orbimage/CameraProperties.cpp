@@ -36,9 +36,14 @@ float CameraProperties::scale(const QString &maker, const QString &model)
     load();
     const QStringRef makerText = maker.leftRef(TableRows::kLongestText);
     const QStringRef modelText = model.leftRef(TableRows::kLongestText);
+    const QString *brand = nullptr; // of the row before: a brand's rows stand together
+    bool isMakers = false;
     for (const Camera &camera : qAsConst(m_cameras)) {
-        if (makerText.contains(camera.brand, Qt::CaseInsensitive)
-            && modelText.contains(camera.name, Qt::CaseInsensitive))
+        if (!brand || camera.brand != *brand) {
+            brand = &camera.brand;
+            isMakers = makerText.contains(*brand, Qt::CaseInsensitive);
+        }
+        if (isMakers && modelText.contains(camera.name, Qt::CaseInsensitive))
             return camera.scale;
     }
     return -1;

@@ -112,22 +112,21 @@ std::string comment(const Exiv2::Exifdatum &item)
     return value ? value->comment() : item.toString();
 }
 
-std::string mainText(const Exiv2::Exifdatum &item)
+/// `plain` is the item as it stands in the file.
+std::string mainText(const Exiv2::Exifdatum &item, const std::string &plain)
 {
     switch (item.tag()) {
     case Orientation:
-        return word(kOrientations, item.toString());
+        return word(kOrientations, plain);
     case ShutterSpeed:
         return shutterTime(item);
     case FNumber:
     case FocalLength:
         return text(quotient(item, 0));
     case FocalPlaneUnit:
-        return word(kUnits, item.toString());
-    case UserComment:
-        return comment(item);
+        return word(kUnits, plain);
     default:
-        return item.toString();
+        return plain;
     }
 }
 
@@ -155,31 +154,22 @@ bool isMain(const std::string &group)
 
 } // namespace
 
-GflExifData ExifItems::readable(const Exiv2::ExifData &exif)
+void ExifItems::read(const Exiv2::ExifData &exif, GflExifData &readable, GflExif2Data &raw)
 {
-    GflExifData items;
     for (const Exiv2::Exifdatum &item : exif) {
         if (item.size() > kLongestItem)
             continue;
         const std::string group = item.groupName();
-        if (isMain(group))
-            items.push_back({GflExifEntry::Main, item.tag(), item.tagName(), mainText(item)});
-        else if (group == "GPSInfo")
-            items.push_back({GflExifEntry::Gps, item.tag(), item.tagName(), gpsText(item)});
+        if (isMain(group)) {
+            const std::string plain = item.tag() == UserComment ? comment(item) : item.toString();
+            readable.push_back(
+                {GflExifEntry::Main, item.tag(), item.tagName(), mainText(item, plain)});
+            raw.push_back({item.tag(), plain});
+        } else if (group == "GPSInfo") {
+            readable.push_back({GflExifEntry::Gps, item.tag(), item.tagName(), gpsText(item)});
+        }
     }
     const std::string lens = lensId(exif);
     if (!lens.empty())
-        items.push_back({GflExifEntry::MakerNote, 0, "LensID", lens});
-    return items;
-}
-
-GflExif2Data ExifItems::raw(const Exiv2::ExifData &exif)
-{
-    GflExif2Data items;
-    for (const Exiv2::Exifdatum &item : exif) {
-        if (item.size() <= kLongestItem && isMain(item.groupName()))
-            items.push_back(
-                {item.tag(), item.tag() == UserComment ? comment(item) : item.toString()});
-    }
-    return items;
+        readable.push_back({GflExifEntry::MakerNote, 0, "LensID", lens});
 }

@@ -2,26 +2,51 @@
 
 #include <exiv2/exif.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <optional>
 #include <string_view>
-#include <vector>
 
 namespace {
 
-template <typename... Numbers>
-std::string formatted(const char *format, Numbers... numbers)
-{
-    std::array<char, 64> text = {};
-    std::snprintf(text.data(), text.size(), format, numbers...);
-    return text.data();
-}
+constexpr int kMostNumbers = 8;
 
-/// The first numbers of an item; nothing if it has fewer or they are no whole numbers.
-std::optional<std::vector<long>> numbers(const Exiv2::Exifdatum &item, int count)
+/// A field of a maker's note: Exiv2's name of the note's directory and the field's number.
+struct Field
 {
+    std::string_view group;
+    unsigned tag;
+};
+
+/// The first numbers of a field, as far as it has them and they are whole.
+struct Numbers
+{
+    int count = 0;
+    std::array<long, kMostNumbers> values = {};
+};
+
+/// Nikon's F mount, whose lenses are known by five numbers. The fields stand one behind the other:
+/// lens number, one of no use, the focal lengths, the apertures.
+constexpr std::array<Field, 4> kNikonF = {
+    {{"NikonLd1", 0x06}, {"NikonLd2", 0x0B}, {"NikonLd3", 0x0C}, {"NikonLd4", 0x0D}}};
+constexpr int kNikonFields = 6;
+
+constexpr Field kNikonZ = {"NikonLd4", 0x30};
+constexpr Field kOlympus = {"OlympusEq", 0x201};
+constexpr std::array<Field, 2> kPentax = {{{"Pentax", 0x3F}, {"PentaxDng", 0x3F}}};
+
+/// Makers that number their lenses.
+constexpr std::array<Field, 6> kNumbered = {{{"CanonCs", 0x16},
+                                             {"Sony2", 0xB027},
+                                             {"Sony1", 0xB027},
+                                             {"Minolta", 0x10C},
+                                             {"Samsung2", 0xA003},
+                                             {"Sigma", 0x27}}};
+
+Numbers numbersOf(const Exiv2::Exifdatum &item)
+{
+    Numbers numbers;
     switch (item.typeId()) {
     case Exiv2::unsignedByte:
     case Exiv2::unsignedShort:
@@ -32,71 +57,69 @@ std::optional<std::vector<long>> numbers(const Exiv2::Exifdatum &item, int count
     case Exiv2::undefined:
         break;
     default:
-        return std::nullopt;
+        return numbers;
     }
-    if (item.count() < count)
-        return std::nullopt;
-    std::vector<long> values;
-    values.reserve(std::size_t(count));
-    for (int i = 0; i < count; ++i)
-        values.push_back(item.toLong(i));
-    return values;
+    for (const long count = item.count(); numbers.count < count && numbers.count < kMostNumbers;
+         ++numbers.count)
+        numbers.values[std::size_t(numbers.count)] = item.toLong(numbers.count);
+    return numbers;
 }
 
-std::optional<std::vector<long>> numbers(const Exiv2::ExifData &exif, const std::string &key,
-                                         int count)
+template <typename... Values>
+std::string formatted(const char *format, Values... values)
 {
-    const auto item = exif.findKey(Exiv2::ExifKey(key));
-    return item == exif.end() ? std::nullopt : numbers(*item, count);
+    std::array<char, 64> text = {};
+    std::snprintf(text.data(), text.size(), format, values...);
+    return text.data();
 }
 
-/// Makers that number their lenses.
-std::string numbered(const Exiv2::ExifData &exif)
+/// The codes c stand for a focal length of 5 * 2^(c/24) mm and an aperture of 2^(c/24).
+std::string nikonF(const std::array<long, kNikonFields> &codes)
 {
-    constexpr long kNone = 0xFFFF; // as makers write for a lens without electronics
-    for (const char *const key :
-         {"Exif.CanonCs.LensType", "Exif.Sony2.LensID", "Exif.Sony1.LensID", "Exif.Minolta.LensID",
-          "Exif.Samsung2.LensType", "Exif.Sigma.0x0027", "Exif.NikonLd4.LensID"}) {
-        const auto number = numbers(exif, key, 1);
-        const bool isNikonF = number && number->front() == 0
-            && std::string_view(key).find("Nikon") != std::string_view::npos;
-        if (number && number->front() >= 0 && number->front() != kNone && !isNikonF)
-            return formatted("%05ld", number->front());
-    }
-    return {};
-}
-
-/// Nikon's F mount, whose lenses are known by five numbers. The codes c stand for a focal length of
-/// 5 * 2^(c/24) mm and an aperture of 2^(c/24).
-std::string nikonF(const Exiv2::ExifData &exif)
-{
-    const auto power = [](long code) { return std::exp2(double(code) / 24); };
-    for (const char *const group : {"NikonLd3", "NikonLd2", "NikonLd1", "NikonLd4"}) {
-        std::vector<long> codes;
-        for (const char *const name : {"MinFocalLength", "MaxFocalLength", "LensIDNumber",
-                                       "MaxApertureAtMinFocal", "MaxApertureAtMaxFocal"}) {
-            const auto code = numbers(exif, std::string("Exif.") + group + "." + name, 1);
-            if (code)
-                codes.push_back(code->front());
-        }
-        if (codes.size() == 5 && codes[0] > 0)
-            return formatted("%ld %ld %ld %.1f %.1f", std::lround(5 * power(codes[0])),
-                             std::lround(5 * power(codes[1])), codes[2], power(codes[3]),
-                             power(codes[4]));
-    }
-    return {};
+    const auto power = [&codes](std::size_t i) { return std::exp2(double(codes[i]) / 24); };
+    return formatted("%ld %ld %ld %.1f %.1f", std::lround(5 * power(2)), std::lround(5 * power(3)),
+                     codes[0], power(4), power(5));
 }
 
 } // namespace
 
 std::string lensId(const Exiv2::ExifData &exif)
 {
-    if (const auto olympus = numbers(exif, "Exif.OlympusEq.LensType", 4))
-        return formatted("%lx %02lx %02lx", (*olympus)[0], (*olympus)[2], (*olympus)[3]);
-    for (const char *const key : {"Exif.Pentax.LensType", "Exif.PentaxDng.LensType"}) {
-        if (const auto pentax = numbers(exif, key, 2))
-            return formatted("%02ld %03ld", (*pentax)[0], (*pentax)[1]);
+    constexpr long kNone = 0xFFFF; // as makers write for a lens without electronics
+    std::array<long, kNikonFields> nikonCodes = {};
+    unsigned nikonFound = 0; // a bit a field
+    for (const Exiv2::Exifdatum &item : exif) {
+        const std::string group = item.groupName();
+        const unsigned tag = item.tag();
+        const auto is = [&group, tag](const Field &f) { return f.tag == tag && f.group == group; };
+        for (const Field &first : kNikonF) {
+            if (group != first.group || tag < first.tag || tag >= first.tag + kNikonFields)
+                continue;
+            const Numbers code = numbersOf(item);
+            nikonCodes[tag - first.tag] = code.values[0];
+            nikonFound |= unsigned(code.count > 0) << (tag - first.tag);
+        }
+        if (is(kOlympus)) {
+            const Numbers lens = numbersOf(item);
+            if (lens.count >= 4)
+                return formatted("%lx %02lx %02lx", lens.values[0], lens.values[2], lens.values[3]);
+        }
+        if (std::any_of(kPentax.begin(), kPentax.end(), is)) {
+            const Numbers lens = numbersOf(item);
+            if (lens.count >= 2)
+                return formatted("%02ld %03ld", lens.values[0], lens.values[1]);
+        }
+        const bool isZ = is(kNikonZ);
+        if (isZ || std::any_of(kNumbered.begin(), kNumbered.end(), is)) {
+            const Numbers lens = numbersOf(item);
+            const long number = lens.values[0];
+            // A lens of the F mount has 0 as its number of the Z mount.
+            if (lens.count > 0 && number >= (isZ ? 1 : 0) && number != kNone)
+                return formatted("%05ld", number);
+        }
     }
-    const std::string number = numbered(exif);
-    return number.empty() ? nikonF(exif) : number;
+    constexpr unsigned kAllOfNikon = 0x3D; // all but the one of no use
+    if ((nikonFound & kAllOfNikon) == kAllOfNikon && nikonCodes[2] > 0)
+        return nikonF(nikonCodes);
+    return {};
 }

@@ -1,6 +1,7 @@
 #include "gfl.h"
 
 #include "AllocationBudget.h"
+#include "BitmapMemory.h"
 #include "BoundedFile.h"
 #include "ExifItems.h"
 #include "FileHeaders.h"
@@ -83,8 +84,7 @@ GflMetadata readMetadata(const RegularFile &file)
     if (!image)
         return metadata;
     try {
-        metadata.exif2 = ExifItems::raw(image->exifData());
-        metadata.exif = ExifItems::readable(image->exifData());
+        ExifItems::read(image->exifData(), metadata.exif, metadata.exif2);
         if (image->iccProfileDefined())
             metadata.iccProfile = copied(image->iccProfile()->pData_, image->iccProfile()->size_);
         if (!image->iptcData().empty()) {
@@ -148,18 +148,12 @@ GflError toBitmap(const QImage &picture, GflBitmap *bitmap)
     const QImage image = picture.convertToFormat(QImage::Format_RGBA8888);
     if (image.isNull())
         return GflError::NoMemory;
-    const auto bytes = std::size_t(image.sizeInBytes());
     GflBitmap made;
-    made.type = kGflRgba;
-    made.width = image.width();
-    made.height = image.height();
-    made.bitsPerComponent = 8;
-    made.bytesPerLine = std::size_t(image.bytesPerLine());
-    made.owned.reset(new (std::nothrow) unsigned char[bytes]);
-    if (!made.owned)
-        return GflError::NoMemory;
-    made.data = made.owned.get();
-    std::memcpy(made.data, image.constBits(), bytes);
+    const GflError error = makeBitmap(std::uint64_t(image.width()), std::uint64_t(image.height()),
+                                      kGflRgba, 8, &made);
+    if (error != GflError::None)
+        return error;
+    std::memcpy(made.data, image.constBits(), std::size_t(image.sizeInBytes()));
     *bitmap = std::move(made);
     return GflError::None;
 }
