@@ -3,7 +3,6 @@
 #include "Garbage.h"
 #include "WarningsFail.h"
 
-#include <QImage>
 #include <QTemporaryDir>
 #include <QtEndian>
 #include <QtTest>
@@ -341,12 +340,7 @@ void tst_GflBitmapFile::headersThatPromiseTooMuchAllocateNothing_data()
     tiff("no height", {16, 0}, GflError::FileRead);
     tiff("no components", {16, 16, 0}, GflError::FileRead);
 
-    QByteArray bmp;
-    QBuffer buffer(&bmp);
-    QVERIFY(QImage(4, 4, QImage::Format_RGB32).save(&buffer, "BMP"));
-    for (const int place : {18, 22})
-        qToLittleEndian(30000, bmp.data() + place);
-    QTest::newRow("BMP") << bmp << int(GflError::NoMemory);
+    QTest::newRow("PPM") << QByteArray("P6 30000 30000 255\n") << int(GflError::NoMemory);
 }
 
 void tst_GflBitmapFile::headersThatPromiseTooMuchAllocateNothing()
