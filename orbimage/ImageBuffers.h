@@ -35,7 +35,8 @@ public:
     static constexpr std::size_t kMemoryLimit = std::size_t(512) << 20;
 
     /// The image of `width` times `height` pixels of `bitsPerPixel` in the file `path`.
-    /// `memoryLimit` is in bytes; what is in use may exceed it. The store outlives this.
+    /// `memoryLimit` is in bytes and kept whenever a buffer comes into memory, but for what is in
+    /// use then. The store outlives this.
     ImageBuffers(const QString &path, int width, int height, int bitsPerPixel,
                  TemporaryStore &store, std::size_t memoryLimit = kMemoryLimit);
     ~ImageBuffers();
