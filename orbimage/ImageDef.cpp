@@ -2,6 +2,7 @@
 
 #include "CameraProperties.h"
 #include "ExifMapping.h"
+#include "ImageBuffers.h"
 #include "ImageDefCache.h"
 #include "ImageFormatRule.h"
 #include "ImageLoadOptions.h"
@@ -182,4 +183,21 @@ qint64 ImageDef::dateTime() const
 float ImageDef::exposureValue() const
 {
     return m_hasCameraData ? float(m_metadata.exposureValue) : 0;
+}
+
+OrbImage &ImageDef::acquireBuffer(int width, int height, bool forWrite)
+{
+    std::call_once(m_buffersMade, [this] {
+        m_buffers = std::make_unique<ImageBuffers>(m_path, m_information.width,
+                                                   m_information.height,
+                                                   componentsPerPixel() * bitsPerComponent(),
+                                                   OrbImageLibrary::temporaryStore());
+    });
+    return m_buffers->acquire(width, height, forWrite);
+}
+
+void ImageDef::releaseBuffer(int width, int height, bool)
+{
+    if (m_buffers)
+        m_buffers->release(width, height);
 }

@@ -9,7 +9,9 @@
 #include <QObject>
 
 #include <memory>
+#include <mutex>
 
+class ImageBuffers;
 struct ImageLoadOptions;
 
 /// What an image file tells of itself without its pixels being decoded, and its thumbnail.
@@ -45,6 +47,8 @@ public:
     int lensType() const override { return m_lensType; }
     qint64 dateTime() const override;
     float exposureValue() const override;
+    OrbImage &acquireBuffer(int width, int height, bool forWrite) override;
+    void releaseBuffer(int width, int height, bool forWrite) override;
 
     bool hasIptc() const { return !m_blobs.iptc.empty(); }
     bool hasXmp() const { return !m_blobs.xmp.empty(); }
@@ -84,4 +88,6 @@ private:
     int m_lensType = 0;
     QImage m_thumbnail;
     std::unique_ptr<OrbImage> m_thumbnailBuffer;
+    std::once_flag m_buffersMade;
+    std::unique_ptr<ImageBuffers> m_buffers; ///< Made when pixels are first asked for.
 };

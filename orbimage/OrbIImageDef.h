@@ -4,6 +4,7 @@
 
 #include <memory>
 
+class OrbImage;
 class QPixmap;
 
 /// The description of an image file. Descriptions do not change once they are made, but for the
@@ -35,4 +36,16 @@ public:
     virtual int lensType() const = 0;          ///< 0 normal, 1 fisheye
     virtual qint64 dateTime() const = 0;       ///< seconds since 1970
     virtual float exposureValue() const = 0;
+
+    /// The pixels at a size up to the image's own, in the type and depth of the file; they stay
+    /// where they are until they are released as often as they were acquired. `forWrite` where they
+    /// may be changed: who else has them has to know. Throws an OrbException.
+    virtual OrbImage &acquireBuffer(int width, int height, bool forWrite) = 0;
+    virtual void releaseBuffer(int width, int height, bool forWrite) = 0;
+
+    OrbImage &acquireFullBuffer(bool forWrite)
+    {
+        return acquireBuffer(width(), height(), forWrite);
+    }
+    void releaseFullBuffer(bool forWrite) { releaseBuffer(width(), height(), forWrite); }
 };

@@ -2,6 +2,7 @@
 
 #include "ImageDefCache.h"
 #include "ImageLoadOptions.h"
+#include "TemporaryStore.h"
 #include "gfl.h"
 
 #include <QDir>
@@ -9,6 +10,7 @@
 #include <QMutexLocker>
 
 #include <memory>
+#include <mutex>
 
 namespace {
 
@@ -18,7 +20,9 @@ constexpr int kMostMessages = 32 * 1024; // characters
 struct Library
 {
     ImageLoadOptions options;
-    ImageDefCache cache;
+    TemporaryStore store;
+    std::once_flag storeMade;
+    ImageDefCache cache; // its descriptions give their files back to the store
     QMutex messagesMutex;
     QString messages; // guarded by messagesMutex
 };
@@ -56,6 +60,12 @@ ImageDefCache *OrbImageLibrary::cache()
 ImageLoadOptions &OrbImageLibrary::loadOptions()
 {
     return g_library->options;
+}
+
+TemporaryStore &OrbImageLibrary::temporaryStore()
+{
+    std::call_once(g_library->storeMade, [] { g_library->store.removeLeftovers(); });
+    return g_library->store;
 }
 
 QString OrbImageLibrary::gflLastMessages()

@@ -3,6 +3,7 @@
 #include <QString>
 
 class ImageDefCache;
+class TemporaryStore;
 struct ImageLoadOptions;
 
 /// Start and stop of the image library and what it has one of. Main thread, after the application
@@ -21,6 +22,10 @@ ImageDefCache *cache();
 
 /// How images are described; to be changed while none is opened.
 ImageLoadOptions &loadOptions();
+
+/// Where the pixels lie that memory has no room for. The first call removes what copies of the
+/// program that crashed have left. Any thread.
+TemporaryStore &temporaryStore();
 
 /// What users were not told of when images were opened, a line a message; the last 64 KiB. Any
 /// thread.

@@ -9,8 +9,18 @@
 
 std::optional<RegularFile> RegularFile::open(const std::string &path)
 {
+    return open(path, O_RDONLY);
+}
+
+std::optional<RegularFile> RegularFile::create(const std::string &path)
+{
+    return open(path, O_RDWR | O_CREAT);
+}
+
+std::optional<RegularFile> RegularFile::open(const std::string &path, int flags)
+{
     // A pipe would be waited for without O_NONBLOCK.
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const int descriptor = ::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, 0600);
     if (descriptor < 0)
         return std::nullopt;
     struct stat status = {};
@@ -28,8 +38,13 @@ RegularFile::RegularFile(RegularFile &&other) noexcept
 
 RegularFile::~RegularFile()
 {
-    if (m_descriptor >= 0)
-        ::close(m_descriptor);
+    close();
+}
+
+bool RegularFile::close()
+{
+    const int descriptor = std::exchange(m_descriptor, -1);
+    return descriptor < 0 || ::close(descriptor) == 0;
 }
 
 FileSlice FileSlice::part(std::uint64_t start, std::uint64_t size) const

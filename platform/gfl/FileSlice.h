@@ -5,20 +5,29 @@
 #include <optional>
 #include <string>
 
-/// Read access to a regular file; a pipe, folder or device is not opened and does not block.
+/// An open regular file; a pipe, folder or device is not opened and does not block.
 class RegularFile
 {
 public:
+    /// For reading.
     static std::optional<RegularFile> open(const std::string &path);
+
+    /// For reading and writing; made where there is none, left as it is where there is one.
+    static std::optional<RegularFile> create(const std::string &path);
 
     RegularFile(RegularFile &&other) noexcept;
     RegularFile &operator=(RegularFile &&other) = delete;
     ~RegularFile();
 
+    /// False if something that was written has been lost. Closed in any case.
+    bool close();
+
     int descriptor() const { return m_descriptor; }
     std::uint64_t size() const { return m_size; }
 
 private:
+    static std::optional<RegularFile> open(const std::string &path, int flags);
+
     RegularFile(int descriptor, std::uint64_t size)
         : m_descriptor(descriptor)
         , m_size(size)

@@ -1,4 +1,5 @@
 #include "BitmapMemory.h"
+#include "FileSlice.h"
 #include "TiffPixels.h"
 #include "gfl.h"
 
@@ -7,26 +8,9 @@
 
 #include <cstring>
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
-
-/// Opens a regular file, never waiting for the other end of a pipe; -1 for anything else.
-int openRegular(const std::string &path, int flags, std::uint64_t *size)
-{
-    const int file = open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, 0600);
-    struct stat status = {};
-    if (file < 0)
-        return -1;
-    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
-        close(file);
-        return -1;
-    }
-    *size = std::uint64_t(status.st_size);
-    return file;
-}
 
 GflError bitmapOf(QImage image, GflBitmap *bitmap)
 {
@@ -89,15 +73,14 @@ GflError readByInstalledReader(QFile *file, GflBitmap *bitmap)
 
 GflError gflLoadBitmapUTF8(const std::string &path, const GflRawOptions &, GflBitmap *bitmap)
 {
-    std::uint64_t size = 0;
-    const int descriptor = openRegular(path, O_RDONLY, &size);
+    const std::optional<RegularFile> opened = RegularFile::open(path);
     QFile file(QString::fromStdString(path)); // readers look at the suffix
-    if (descriptor < 0 || !file.open(descriptor, QIODevice::ReadOnly, QFile::AutoCloseHandle))
+    if (!opened || !file.open(opened->descriptor(), QIODevice::ReadOnly))
         return GflError::FileOpen;
-    const GflError error = readTiffPixels(descriptor, size, bitmap);
+    const GflError error = readTiffPixels(opened->descriptor(), opened->size(), bitmap);
     if (error != GflError::UnknownFormat)
         return error;
-    lseek(descriptor, 0, SEEK_SET);
+    lseek(opened->descriptor(), 0, SEEK_SET);
     return readByInstalledReader(&file, bitmap);
 }
 
@@ -105,13 +88,14 @@ GflError gflSaveBitmapUTF8(const std::string &path, const GflBitmap &bitmap)
 {
     if (!isWritable(bitmap))
         return GflError::BadBitmap;
-    std::uint64_t size = 0;
-    const int file = openRegular(path, O_RDWR | O_CREAT, &size);
-    if (file < 0)
+    std::optional<RegularFile> file = RegularFile::create(path);
+    if (!file)
         return GflError::FileCreate;
     // Emptied only here, as what is no regular file is left alone.
-    GflError error = ftruncate(file, 0) == 0 ? writeTiffPixels(file, bitmap) : GflError::FileWrite;
-    if (close(file) != 0)
+    GflError error = ftruncate(file->descriptor(), 0) == 0
+        ? writeTiffPixels(file->descriptor(), bitmap)
+        : GflError::FileWrite;
+    if (!file->close())
         error = GflError::FileWrite;
     if (error != GflError::None)
         unlink(path.c_str());
