@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 namespace {
 
@@ -59,7 +60,7 @@ T converted(S sample)
     else if constexpr (sizeof(S) < sizeof(T))
         return T(sample * 257);
     else
-        return T(Word(Word(sample - (sample >> 8)) + 128) >> 8); // rounded, and never above 16 bits
+        return T((sample * 255U + 32895U) >> 16); // as sample / 257, rounded
 }
 
 template <typename T, typename S>
@@ -80,45 +81,95 @@ T gray(S red, S green, S blue)
     }
 }
 
+/// The four samples of a pixel of integers as one number. Compilers spread such a number over a
+/// vector where they do not spread four stores.
+template <typename T>
+using PixelOf = std::conditional_t<sizeof(T) == 1, std::uint32_t, std::uint64_t>;
+
+template <typename T>
+PixelOf<T> inPlace(T sample, int component)
+{
+    constexpr bool isFirstLowest = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+    const int place = isFirstLowest ? component : 3 - component;
+    return PixelOf<T>(sample) << (place * 8 * int(sizeof(T)));
+}
+
+/// Inlined wherever it is called, so that it is compiled for the caller's processor.
 template <typename S, int from, typename T, int to>
-void convert(const unsigned char *__restrict source, unsigned char *__restrict target,
-             std::size_t count)
+[[gnu::always_inline]] inline void convert(const unsigned char *__restrict source,
+                                           unsigned char *__restrict target, std::size_t count)
 {
     if constexpr (from == to && sizeof(S) == sizeof(T)) {
         std::memcpy(target, source, count * from * sizeof(S));
     } else if constexpr (from == to) {
         for (std::size_t i = 0; i < count * from; ++i)
             store(target, i, converted<T>(load<S>(source, i)));
-    } else {
+    } else if constexpr (to == 1) {
         for (std::size_t i = 0; i < count; ++i) {
-            if constexpr (to == 1) {
-                store(target, i,
-                      gray<T>(load<S>(source, from * i), load<S>(source, from * i + 1),
-                              load<S>(source, from * i + 2)));
-            } else {
-                constexpr std::size_t step = from == 1 ? 0 : 1;
-                for (std::size_t c = 0; c < 3; ++c)
-                    store(target, to * i + c, converted<T>(load<S>(source, from * i + step * c)));
-                if constexpr (to == 4)
-                    store(target, 4 * i + 3, kMost<T>);
-            }
+            store(target, i,
+                  gray<T>(load<S>(source, from * i), load<S>(source, from * i + 1),
+                          load<S>(source, from * i + 2)));
+        }
+    } else if constexpr (to == 4 && !kIsFloat<T>) {
+        constexpr std::size_t step = from == 1 ? 0 : 1;
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto red = converted<T>(load<S>(source, from * i));
+            const auto green = converted<T>(load<S>(source, from * i + step));
+            const auto blue = converted<T>(load<S>(source, from * i + 2 * step));
+            store(target, i,
+                  inPlace(red, 0) | inPlace(green, 1) | inPlace(blue, 2) | inPlace(kMost<T>, 3));
+        }
+    } else {
+        constexpr std::size_t step = from == 1 ? 0 : 1;
+        for (std::size_t i = 0; i < count; ++i) {
+            for (std::size_t c = 0; c < 3; ++c)
+                store(target, to * i + c, converted<T>(load<S>(source, from * i + step * c)));
+            if constexpr (to == 4)
+                store(target, 4 * i + 3, kMost<T>);
         }
     }
 }
 
+/// The kernels as any processor of the kind runs them.
+struct Plain
+{
+    template <typename S, int from, typename T, int to>
+    static void run(const unsigned char *__restrict source, unsigned char *__restrict target,
+                    std::size_t count)
+    {
+        convert<S, from, T, to>(source, target, count);
+    }
+};
+
+#ifdef __x86_64__
+struct Wide
+{
+    template <typename S, int from, typename T, int to>
+    [[gnu::target("avx2")]] static void run(const unsigned char *__restrict source,
+                                            unsigned char *__restrict target, std::size_t count)
+    {
+        convert<S, from, T, to>(source, target, count);
+    }
+};
+#else
+using Wide = Plain;
+#endif
+
 // Tables by the place of a format among the components 1, 3, 4 and the depths 8, 16, 32.
 using Row = std::array<PixelKernels::Kernel, 9>;
+using Table = std::array<Row, 9>;
 
-template <typename S, int from>
-constexpr Row kRow = {convert<S, from, Byte, 1>,  convert<S, from, Word, 1>,
-                      convert<S, from, float, 1>, convert<S, from, Byte, 3>,
-                      convert<S, from, Word, 3>,  convert<S, from, float, 3>,
-                      convert<S, from, Byte, 4>,  convert<S, from, Word, 4>,
-                      convert<S, from, float, 4>};
+template <typename Kind, typename S, int from>
+constexpr Row kRow = {Kind::template run<S, from, Byte, 1>,  Kind::template run<S, from, Word, 1>,
+                      Kind::template run<S, from, float, 1>, Kind::template run<S, from, Byte, 3>,
+                      Kind::template run<S, from, Word, 3>,  Kind::template run<S, from, float, 3>,
+                      Kind::template run<S, from, Byte, 4>,  Kind::template run<S, from, Word, 4>,
+                      Kind::template run<S, from, float, 4>};
 
-constexpr std::array<Row, 9> kKernels = {kRow<Byte, 1>, kRow<Word, 1>, kRow<float, 1>,
-                                         kRow<Byte, 3>, kRow<Word, 3>, kRow<float, 3>,
-                                         kRow<Byte, 4>, kRow<Word, 4>, kRow<float, 4>};
+template <typename Kind>
+constexpr Table kTable = {kRow<Kind, Byte, 1>, kRow<Kind, Word, 1>, kRow<Kind, float, 1>,
+                          kRow<Kind, Byte, 3>, kRow<Kind, Word, 3>, kRow<Kind, float, 3>,
+                          kRow<Kind, Byte, 4>, kRow<Kind, Word, 4>, kRow<Kind, float, 4>};
 
 /// -1 for a format that is none.
 int place(PixelKernels::Format format)
@@ -136,9 +187,20 @@ int place(PixelKernels::Format format)
 
 } // namespace
 
-PixelKernels::Kernel PixelKernels::kernel(Format from, Format to)
+bool PixelKernels::isWideProcessor()
+{
+#ifdef __x86_64__
+    return __builtin_cpu_supports("avx2");
+#else
+    return false;
+#endif
+}
+
+PixelKernels::Kernel PixelKernels::kernel(Format from, Format to, bool isWide)
 {
     const int source = place(from);
     const int target = place(to);
-    return source < 0 || target < 0 ? nullptr : kKernels[std::size_t(source)][std::size_t(target)];
+    if (source < 0 || target < 0)
+        return nullptr;
+    return (isWide ? kTable<Wide> : kTable<Plain>)[std::size_t(source)][std::size_t(target)];
 }

@@ -22,7 +22,10 @@ struct Format
     int bitsPerComponent = 0; ///< 8, 16 or 32, the last a float
 };
 
-/// Null for a format that is none.
-Kernel kernel(Format from, Format to);
+/// Whether this processor has vectors of 32 bytes, for which every kernel exists once more.
+bool isWideProcessor();
+
+/// Null for a format that is none. Both kinds of kernels write the same.
+Kernel kernel(Format from, Format to, bool isWide = isWideProcessor());
 
 } // namespace PixelKernels
