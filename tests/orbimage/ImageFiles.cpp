@@ -16,12 +16,7 @@ constexpr quint32 kThousand = 1000;
 constexpr quint16 kMaker = 0x10F;
 constexpr quint16 kExifDirectory = 0x8769;
 constexpr quint16 kMakerNote = 0x927C;
-
-/// Focal lengths of every lens in these files; without one the camera would count as unknown.
-TiffItem focalLength(const TiffWriter &writer)
-{
-    return writer.rationals(0x920A, Rational, {50});
-}
+constexpr quint16 kFocalLength35mm = 0xA405;
 
 } // namespace
 
@@ -124,12 +119,13 @@ QByteArray TiffWriter::finished(quint32 firstDirectory) const
 }
 
 QByteArray ImageFiles::cameraExif(TiffWriter &writer, const QByteArray &maker, quint32 noteStart,
-                                  quint32 noteEnd, const QVector<TiffItem> &exifItems)
+                                  quint32 noteEnd, quint16 focalLength35mm)
 {
     TiffItem note = writer.pointer(kMakerNote, noteStart);
     note.type = Bytes;
     note.count = noteEnd - noteStart;
-    const quint32 exif = writer.addDirectory(exifItems + QVector<TiffItem>{note});
+    const quint32 exif = writer.addDirectory(
+        {note, writer.shorts(kFocalLength35mm, {focalLength35mm})});
     return writer.finished(
         writer.addDirectory({writer.text(kMaker, maker), writer.pointer(kExifDirectory, exif)}));
 }
@@ -144,10 +140,10 @@ QByteArray ImageFiles::sphericalExif(double first, double second, bool bigEndian
                         QByteArray("Ricoh\0\0\0", 8));
     writer.addDirectory({writer.rationals(3, SignedRational, {first, second}),
                          writer.rationals(4, Rational, {123.4})});
-    return cameraExif(writer, "RICOH", start, writer.end(), {focalLength(writer)});
+    return cameraExif(writer, "RICOH", start, writer.end());
 }
 
-QByteArray ImageFiles::canonExif(quint16 lens, bool bigEndian)
+QByteArray ImageFiles::canonExif(quint16 lens, quint16 focalLength, bool bigEndian)
 {
     TiffWriter writer(bigEndian);
     constexpr int kLensType = 22;
@@ -155,10 +151,10 @@ QByteArray ImageFiles::canonExif(quint16 lens, bool bigEndian)
     settings[0] = quint16(2 * settings.size());
     settings[kLensType] = lens;
     const quint32 start = writer.addDirectory({writer.shorts(1, settings)});
-    return cameraExif(writer, "Canon", start, writer.end(), {focalLength(writer)});
+    return cameraExif(writer, "Canon", start, writer.end(), focalLength);
 }
 
-QByteArray ImageFiles::nikonExif(const QByteArray &lensCodes, bool bigEndian)
+QByteArray ImageFiles::nikonExif(const QByteArray &lensCodes, quint16 focalLength, bool bigEndian)
 {
     TiffWriter writer(bigEndian);
     const quint32 start = writer.end();
@@ -166,10 +162,10 @@ QByteArray ImageFiles::nikonExif(const QByteArray &lensCodes, bool bigEndian)
     const QByteArray ownHeader = writer.finished(0).left(4) + writer.number(8, 4);
     writer.addDirectory({writer.bytes(0x98, "0100" + QByteArray(2, '\0') + lensCodes)}, 0,
                         QByteArray("Nikon\0\2\x10\0\0", 10) + ownHeader, base);
-    return cameraExif(writer, "NIKON CORPORATION", start, writer.end(), {focalLength(writer)});
+    return cameraExif(writer, "NIKON CORPORATION", start, writer.end(), focalLength);
 }
 
-QByteArray ImageFiles::olympusExif(const QByteArray &lensType, bool bigEndian)
+QByteArray ImageFiles::olympusExif(const QByteArray &lensType, quint16 focalLength, bool bigEndian)
 {
     TiffWriter writer(bigEndian);
     const quint32 start = writer.end();
@@ -179,7 +175,7 @@ QByteArray ImageFiles::olympusExif(const QByteArray &lensType, bool bigEndian)
     TiffItem lens = writer.bytes(0x201, lensType);
     lens.type = 1;
     writer.addDirectory({lens});
-    return cameraExif(writer, "OLYMPUS CORPORATION", start, writer.end(), {focalLength(writer)});
+    return cameraExif(writer, "OLYMPUS CORPORATION", start, writer.end(), focalLength);
 }
 
 QByteArray ImageFiles::withExif(const QByteArray &jpeg, const QByteArray &exif)

@@ -60,15 +60,15 @@ private:
 
 /// The EXIF block of a camera; `makerNote` stands in the block from `noteStart` to `noteEnd`.
 QByteArray cameraExif(TiffWriter &writer, const QByteArray &maker, quint32 noteStart,
-                      quint32 noteEnd, const QVector<TiffItem> &exifItems = {});
+                      quint32 noteEnd, quint16 focalLength35mm = 50);
 
 /// EXIF of a spherical camera with two zenith angles, degrees, in the order of the file.
 QByteArray sphericalExif(double first, double second, bool bigEndian);
 
-/// EXIF with the lens number of one maker's own form.
-QByteArray canonExif(quint16 lens, bool bigEndian);
-QByteArray nikonExif(const QByteArray &lensCodes, bool bigEndian);
-QByteArray olympusExif(const QByteArray &lensType, bool bigEndian);
+/// EXIF with the lens number in one maker's own form, and a focal length as of 35 mm film.
+QByteArray canonExif(quint16 lens, quint16 focalLength, bool bigEndian);
+QByteArray nikonExif(const QByteArray &lensCodes, quint16 focalLength, bool bigEndian);
+QByteArray olympusExif(const QByteArray &lensType, quint16 focalLength, bool bigEndian);
 
 /// The JPEG with an EXIF block as its first segment.
 QByteArray withExif(const QByteArray &jpeg, const QByteArray &exif);
