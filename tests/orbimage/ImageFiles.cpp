@@ -169,21 +169,24 @@ QByteArray ImageFiles::olympusExif(const QByteArray &lensType, quint16 focalLeng
 {
     TiffWriter writer(bigEndian);
     const quint32 start = writer.end();
-    constexpr quint32 kNoteSize = 8 + 2 + 12 + 4;
-    writer.addDirectory({writer.pointer(0x2010, start + kNoteSize)}, 0,
-                        QByteArray("OLYMP\0\1\0", 8));
+    const QByteArray header("OLYMPUS\0II\3\0", 12);             // whatever the order of the bytes
+    const auto equipment = quint32(header.size() + 2 + 12 + 4); // from the note's start
+    writer.addDirectory({writer.pointer(0x2010, equipment)}, 0, header);
     TiffItem lens = writer.bytes(0x201, lensType);
     lens.type = 1;
-    writer.addDirectory({lens});
+    writer.addDirectory({lens}, 0, {}, start);
     return cameraExif(writer, "OLYMPUS CORPORATION", start, writer.end(), focalLength);
+}
+
+QByteArray ImageFiles::withSegment(const QByteArray &jpeg, char marker, const QByteArray &content)
+{
+    constexpr int kStart = 2;
+    const int size = content.size() + 2;
+    return jpeg.left(kStart) + '\xff' + marker + char(size >> 8) + char(size & 0xff) + content
+        + jpeg.mid(kStart);
 }
 
 QByteArray ImageFiles::withExif(const QByteArray &jpeg, const QByteArray &exif)
 {
-    constexpr int kStart = 2;
-    constexpr int kHeader = 8; // the segment's length and the word "Exif"
-    const int size = exif.size() + kHeader;
-    const QByteArray segment = QByteArray("\xff\xe1") + char(size >> 8U) + char(size & 0xff)
-        + QByteArray("Exif\0\0", 6) + exif;
-    return jpeg.left(kStart) + segment + jpeg.mid(kStart);
+    return withSegment(jpeg, '\xe1', QByteArray("Exif\0\0", 6) + exif);
 }

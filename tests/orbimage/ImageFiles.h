@@ -70,6 +70,9 @@ QByteArray canonExif(quint16 lens, quint16 focalLength, bool bigEndian);
 QByteArray nikonExif(const QByteArray &lensCodes, quint16 focalLength, bool bigEndian);
 QByteArray olympusExif(const QByteArray &lensType, quint16 focalLength, bool bigEndian);
 
+/// The JPEG with another first segment of at most 65533 bytes.
+QByteArray withSegment(const QByteArray &jpeg, char marker, const QByteArray &content);
+
 /// The JPEG with an EXIF block as its first segment.
 QByteArray withExif(const QByteArray &jpeg, const QByteArray &exif);
 

@@ -122,7 +122,7 @@ void tst_ImageDef::theHeaderDecides_data()
     row("gray.jpg", "-colorspace Gray", 0, 8, true);
     row("ycck.jpg", "-colorspace CMYK", 0);
     row("rgb.png", "", 3);
-    row("rgb16.png", "-depth 16", 3, 16);
+    row("rgb16.png", "-define png:bit-depth=16", 3, 16);
     row("rgba.png", half, 4);
     row("palette.png", "-type Palette -colors 16", 3);
     row("gray.png", "-colorspace Gray", 0, 8, true);
@@ -338,6 +338,7 @@ void tst_ImageDef::blobsAreThoseOfTheFile()
 {
     QByteArray profile(200, 'p'); // as short as one may be: a header and a table of no tags
     profile.replace(0, 4, QByteArray("\0\0\0\xc8", 4));
+    profile.replace(12, 12, "mntrRGB XYZ ");
     profile.replace(36, 4, "acsp");
     profile.replace(128, 4, QByteArray(4, '\0'));
     const QByteArray iptc("\x1c\x02\x69\x00\x08Headline", 13);
@@ -411,7 +412,8 @@ void tst_ImageDef::zenithAnglesComeInTheirOrder()
         for (const ImageDef *const image :
              {made(QStringLiteral("sphere.jpg") + order, ImageFiles::withExif(m_jpeg, exif)),
               made(QStringLiteral("late.jpg") + order,
-                   ImageFiles::withExif(ImageFiles::withExif(m_jpeg, exif), {}))}) {
+                   ImageFiles::withSegment(ImageFiles::withExif(m_jpeg, exif), '\xfe',
+                                           "comment"))}) {
             QVERIFY(image);
             QCOMPARE(image->metadata().maker, QStringLiteral("RICOH"));
             QCOMPARE(image->metadata().zenithRoll, 3.5);
