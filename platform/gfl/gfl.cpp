@@ -91,7 +91,13 @@ GflMetadata readMetadata(const RegularFile &file)
             const Exiv2::DataBuf iptc = Exiv2::IptcParser::encode(image->iptcData());
             metadata.iptc = copied(iptc.pData_, iptc.size_);
         }
+        // As it stands in the file, or written anew for a format that does not keep it.
+        image->writeXmpFromPacket(true);
         metadata.xmp = image->xmpPacket();
+        if (metadata.xmp.empty()) {
+            image->writeXmpFromPacket(false);
+            metadata.xmp = image->xmpPacket();
+        }
     } catch (const std::exception &) {
         return metadata;
     }
