@@ -224,7 +224,8 @@ QImage OrbImage::toImage(const QSize &size) const
         throw OrbException(invalidParameter());
     const QSize reduced = size.boundedTo({m_bitmap.width, m_bitmap.height});
     QImage image(reduced, QImage::Format_RGB888);
-    if (image.isNull())
+    // What Qt enlarges to has to be found possible before, as Qt makes tables of its length first.
+    if (image.isNull() || (size != reduced && QImage(size, QImage::Format_RGB32).isNull()))
         throw OrbException(notEnoughMemory());
     GflBitmap view = shape(image.width(), image.height(), kGflRgb, 8, 1);
     view.bytesPerLine = std::size_t(image.bytesPerLine());
