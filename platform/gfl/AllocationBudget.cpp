@@ -48,3 +48,33 @@ void operator delete(void *memory, std::size_t) noexcept
 {
     std::free(memory);
 }
+
+// A sanitizer brings all forms of its own, which would not go with these.
+void *operator new(std::size_t size, const std::nothrow_t &) noexcept
+{
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
+}
+
+void *operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+
+void *operator new[](std::size_t size, const std::nothrow_t &nothrow) noexcept
+{
+    return operator new(size, nothrow);
+}
+
+void operator delete[](void *memory) noexcept
+{
+    operator delete(memory);
+}
+
+void operator delete[](void *memory, std::size_t) noexcept
+{
+    operator delete(memory);
+}

@@ -1,13 +1,13 @@
 #include "ExifItems.h"
 
 #include "LensId.h"
+#include "NumberText.h"
 
 #include <exiv2/exif.hpp>
 #include <exiv2/value.hpp>
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <string_view>
@@ -66,14 +66,6 @@ constexpr std::array<Word, 6> kReferences = {{{"N", "North"},
                                               {"T", "True"},
                                               {"M", "Magnetic"}}};
 
-std::string text(double number)
-{
-    std::array<char, 32> digits = {};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
-                                   std::chars_format::general, 9);
-    return {digits.data(), end.ptr};
-}
-
 /// The rational number at `index`; 0 for one that has none.
 double quotient(const Exiv2::Exifdatum &item, int index)
 {
@@ -88,7 +80,7 @@ std::string shutterTime(const Exiv2::Exifdatum &item)
 {
     const double time = std::exp2(-quotient(item, 0));
     const double inverse = std::round(1 / time);
-    return time < 1 && inverse < 1e9 ? "1/" + text(inverse) : text(time);
+    return time < 1 && inverse < 1e9 ? "1/" + numberText(inverse) : numberText(time);
 }
 
 /// "48° 51' 30.5\"" of degrees, minutes and seconds, each of which may have a fraction. Rounded to
@@ -102,8 +94,8 @@ std::string angle(const Exiv2::Exifdatum &item)
         return item.toString();
     const long long rounded = std::llround(seconds * 1e6);
     return std::to_string(rounded / kDegree) + "\u00b0 "
-        + std::to_string(rounded % kDegree / kMinute) + "' " + text(double(rounded % kMinute) / 1e6)
-        + '"';
+        + std::to_string(rounded % kDegree / kMinute) + "' "
+        + numberText(double(rounded % kMinute) / 1e6) + '"';
 }
 
 std::string comment(const Exiv2::Exifdatum &item)
@@ -122,7 +114,7 @@ std::string mainText(const Exiv2::Exifdatum &item, const std::string &plain)
         return shutterTime(item);
     case FNumber:
     case FocalLength:
-        return text(quotient(item, 0));
+        return numberText(quotient(item, 0));
     case FocalPlaneUnit:
         return word(kUnits, plain);
     default:
@@ -141,7 +133,7 @@ std::string gpsText(const Exiv2::Exifdatum &item)
     case Longitude:
         return angle(item);
     case Direction:
-        return text(quotient(item, 0));
+        return numberText(quotient(item, 0));
     default:
         return item.toString();
     }

@@ -1,7 +1,8 @@
 #include "SphericalNote.h"
 
+#include "NumberText.h"
+
 #include <array>
-#include <charconv>
 #include <cstring>
 
 namespace {
@@ -110,14 +111,6 @@ private:
     bool m_isLittle;
 };
 
-std::string text(double number)
-{
-    std::array<char, 32> digits = {};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number,
-                                   std::chars_format::general, 9);
-    return {digits.data(), end.ptr};
-}
-
 std::optional<double> signedRational(const TiffBlock &block, std::uint64_t offset)
 {
     const auto numerator = block.number(offset, 4);
@@ -157,5 +150,5 @@ std::optional<std::string> SphericalNote::zenith(const FileSlice &file)
     const auto pitch = signedRational(*block, std::uint64_t(zenith->value) + 8);
     if (!roll || !pitch)
         return std::nullopt;
-    return text(*roll) + ' ' + text(*pitch);
+    return numberText(*roll) + ' ' + numberText(*pitch);
 }

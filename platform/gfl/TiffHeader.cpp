@@ -1,10 +1,10 @@
 #include "FileHeaders.h"
 
+#include "QuietTiff.h"
+
 #include <algorithm>
 #include <cstring>
 #include <memory>
-
-#include <tiffio.h>
 
 namespace {
 
@@ -57,22 +57,13 @@ toff_t size(thandle_t handle)
     return static_cast<Source *>(handle)->file.size();
 }
 
-int sayNothing(TIFF *, void *, const char *, const char *, va_list)
-{
-    return 1;
-}
-
 } // namespace
 
 std::optional<GflFileInformation> FileHeaders::tiff(const FileSlice &file)
 {
-    const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)>
-        options(TIFFOpenOptionsAlloc(), TIFFOpenOptionsFree);
+    const TiffOptions options = quietTiffOptions(kLongestTag);
     if (!options)
         return std::nullopt;
-    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), kLongestTag);
-    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), sayNothing, nullptr);
-    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), sayNothing, nullptr);
     Source source{file};
     // "m": not mapped, "D": without the places of the pixels.
     const std::unique_ptr<TIFF, decltype(&TIFFClose)>

@@ -1,8 +1,7 @@
 #include "TiffPixels.h"
 
 #include "BitmapMemory.h"
-
-#include <tiffio.h>
+#include "QuietTiff.h"
 
 #include <algorithm>
 #include <cstring>
@@ -25,21 +24,12 @@ struct TiffCloser
 };
 using Tiff = std::unique_ptr<TIFF, TiffCloser>;
 
-int saidNothing(TIFF *, void *, const char *, const char *, va_list)
-{
-    return 1;
-}
-
 /// `largestBlock` bounds each allocation of the library; 0 leaves it unbounded.
 Tiff openTiff(int file, const char *mode, std::uint64_t largestBlock)
 {
-    const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)>
-        options(TIFFOpenOptionsAlloc(), TIFFOpenOptionsFree);
+    const TiffOptions options = quietTiffOptions(tmsize_t(largestBlock));
     if (!options)
         return nullptr;
-    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), saidNothing, nullptr);
-    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), saidNothing, nullptr);
-    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), tmsize_t(largestBlock));
     return Tiff(TIFFFdOpenExt(file, "", mode, options.get()));
 }
 

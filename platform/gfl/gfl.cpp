@@ -20,6 +20,7 @@
 #include <cstring>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -45,7 +46,8 @@ Exiv2Image readImage(const RegularFile &file)
     Exiv2Image image;
     try {
         const std::string path = "/proc/self/fd/" + std::to_string(file.descriptor());
-        Exiv2::BasicIo::AutoPtr bounded(new BoundedFile(path));
+        auto bounded = Exiv2::ImageFactory::createIo(path); // of the pointer type that Exiv2 has
+        bounded.reset(new BoundedFile(path));
         image.reset(Exiv2::ImageFactory::open(bounded).release());
         if (image)
             image->readMetadata();
@@ -91,13 +93,10 @@ GflMetadata readMetadata(const RegularFile &file)
             const Exiv2::DataBuf iptc = Exiv2::IptcParser::encode(image->iptcData());
             metadata.iptc = copied(iptc.pData_, iptc.size_);
         }
-        // As it stands in the file, or written anew for a format that does not keep it.
-        image->writeXmpFromPacket(true);
-        metadata.xmp = image->xmpPacket();
-        if (metadata.xmp.empty()) {
-            image->writeXmpFromPacket(false);
+        // As it stands in the file; of a TIFF Exiv2 keeps no more than what it has read.
+        metadata.xmp = std::as_const(*image).xmpPacket();
+        if (metadata.xmp.empty())
             metadata.xmp = image->xmpPacket();
-        }
     } catch (const std::exception &) {
         return metadata;
     }
