@@ -16,8 +16,8 @@
 namespace {
 
 constexpr double kDegree = M_PI / 180;
-constexpr int kTolerance = 6; // of 255, for the codec, the filtering and the colour chain
-constexpr int kDeadlineMs = 20000;
+constexpr int kTolerance = 6;      // of 255, for the codec, the filtering and the colour chain
+constexpr int kDeadlineMs = 10000; // and the time that looking takes
 
 /// A direction in the world: x to the right, y up, z to the back.
 using Direction = std::array<double, 3>;
@@ -87,8 +87,8 @@ int difference(const QImage &a, const QImage &b)
     int largest = 0;
     for (int y = 0; y < a.height() * 9 / 10; ++y) {
         for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y);
-            const QRgb q = b.pixel(x, y);
+            const QRgb p = reinterpret_cast<const QRgb *>(a.constScanLine(y))[x];
+            const QRgb q = reinterpret_cast<const QRgb *>(b.constScanLine(y))[x];
             largest = std::max({largest, std::abs(qRed(p) - qRed(q)),
                                 std::abs(qGreen(p) - qGreen(q)), std::abs(qBlue(p) - qBlue(q))});
         }
@@ -98,7 +98,8 @@ int difference(const QImage &a, const QImage &b)
 
 QImage grab()
 {
-    return QGuiApplication::primaryScreen()->grabWindow(0).toImage();
+    return QGuiApplication::primaryScreen()->grabWindow(0).toImage().convertToFormat(
+        QImage::Format_RGB32);
 }
 
 } // namespace
