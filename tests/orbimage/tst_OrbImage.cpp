@@ -176,9 +176,9 @@ private slots:
     void aBufferIsCopiedOverItself()
     {
         OrbImage image;
-        fill<quint8>(image, 3, 2, {1, 2, 3, 4, 5, 6});
-        image.copy(image, {0, 0, 2, 2}, {1, 0});
-        QCOMPARE(pixels(image), bytes({1, 1, 2, 4, 4, 5}));
+        fill<quint8>(image, 3, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9});
+        image.copy(image, {0, 0, 2, 2}, {1, 1});
+        QCOMPARE(pixels(image), bytes({1, 2, 3, 4, 1, 2, 7, 4, 5}));
     }
 
     void whatIsNoPictureIsRefused()
