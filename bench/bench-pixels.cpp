@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstring>
 #include <functional>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -33,41 +34,59 @@ std::string name(Format format)
     return components[format.components] + std::to_string(format.bitsPerComponent);
 }
 
-/// Samples without a pattern, floats a little beyond black and white too.
-std::vector<unsigned char> noise(Format format)
+using Picture = std::vector<unsigned char>;
+
+/// Samples without a pattern, floats a little beyond black and white too, enough for any
+/// components.
+Picture makeNoise(int bitsPerComponent)
 {
-    std::vector<unsigned char> bytes(lineBytes(format) * kHeight);
+    Picture bytes(lineBytes({4, bitsPerComponent}) * kHeight);
     std::uint32_t value = 1;
     for (std::size_t i = 0; i < bytes.size(); i += 4) {
         value = value * 1664525U + 1013904223U;
         const float share = float(value >> 8U) * 0x1.2p-24F - 0.0625F;
         std::memcpy(bytes.data() + i, &value, 4);
-        if (format.bitsPerComponent == 32)
+        if (bitsPerComponent == 32)
             std::memcpy(bytes.data() + i, &share, 4);
     }
     return bytes;
 }
 
+const Picture &noise(int bitsPerComponent)
+{
+    static std::map<int, Picture> made;
+    Picture &picture = made[bitsPerComponent];
+    if (picture.empty())
+        picture = makeNoise(bitsPerComponent);
+    return picture;
+}
+
+/// Room for any target.
+Picture &room()
+{
+    static Picture picture(lineBytes({4, 32}) * kHeight);
+    return picture;
+}
+
 void convert(benchmark::State &state, Format from, Format to, bool isWide)
 {
     const PixelKernels::Kernel kernel = PixelKernels::kernel(from, to, isWide);
-    const std::vector<unsigned char> source = noise(from);
-    std::vector<unsigned char> target(lineBytes(to) * kHeight);
+    const unsigned char *const source = noise(from.bitsPerComponent).data();
+    unsigned char *const target = room().data();
     for ([[maybe_unused]] auto _ : state) {
-        for (std::size_t y = 0; y < kHeight; ++y) {
-            kernel(source.data() + y * lineBytes(from), target.data() + y * lineBytes(to), kWidth);
-        }
+        for (std::size_t y = 0; y < kHeight; ++y)
+            kernel(source + y * lineBytes(from), target + y * lineBytes(to), kWidth);
         benchmark::ClobberMemory();
     }
 }
 
 void copy(benchmark::State &state, std::size_t bytes)
 {
-    const std::vector<unsigned char> source(bytes * kHeight, 1);
-    std::vector<unsigned char> target(source.size());
+    const unsigned char *const source = noise(32).data();
+    unsigned char *const target = room().data();
     for ([[maybe_unused]] auto _ : state) {
         for (std::size_t y = 0; y < kHeight; ++y)
-            std::memcpy(target.data() + y * bytes, source.data() + y * bytes, bytes);
+            std::memcpy(target + y * bytes, source + y * bytes, bytes);
         benchmark::ClobberMemory();
     }
 }
