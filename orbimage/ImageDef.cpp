@@ -69,7 +69,7 @@ bool ImageDef::open(const QString &path, ImageDef **result, bool thumbnail)
 std::unique_ptr<ImageDef> ImageDef::read(const QString &path, bool thumbnail,
                                          const ImageLoadOptions &options)
 {
-    if (ImageFormatRule::endsInOneOf(path, options.ignoredSuffixes))
+    if (ImageFormatRule::isIgnored(path, options.ignoredSuffixes))
         return nullptr;
     GflFileInformation information;
     if (gflGetFileInformationExUTF8(path.toStdString(), &information) != GflError::None)

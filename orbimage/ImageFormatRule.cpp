@@ -3,20 +3,26 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
-const QStringList kPhotoshop = {QStringLiteral("psb"), QStringLiteral("psd")};
-const QStringList kRaw = {QStringLiteral(".ARW"), QStringLiteral(".CRW"), QStringLiteral(".CR2"),
-                          QStringLiteral(".RAF"), QStringLiteral(".NEF"), QStringLiteral(".DNG"),
-                          QStringLiteral(".SRF"), QStringLiteral(".SR2"), QStringLiteral(".ORF"),
-                          QStringLiteral(".MRW"), QStringLiteral(".PEF"), QStringLiteral(".MEF"),
-                          QStringLiteral(".MOS")};
-const QStringList kHighDynamicRange = {QStringLiteral(".HDR"), QStringLiteral(".EXR")};
+constexpr std::array kPhotoshop = {"psb", "psd"};
+constexpr std::array kRaw = {".ARW", ".CRW", ".CR2", ".RAF", ".NEF", ".DNG", ".SRF",
+                             ".SR2", ".ORF", ".MRW", ".PEF", ".MEF", ".MOS"};
+constexpr std::array kHighDynamicRange = {".HDR", ".EXR"};
+
+template <typename Suffixes>
+bool endsIn(const QString &path, const Suffixes &suffixes)
+{
+    return std::any_of(suffixes.begin(), suffixes.end(), [&path](const char *suffix) {
+        return path.endsWith(QLatin1String(suffix), Qt::CaseInsensitive);
+    });
+}
 
 } // namespace
 
-bool ImageFormatRule::endsInOneOf(const QString &path, const QStringList &suffixes)
+bool ImageFormatRule::isIgnored(const QString &path, const QStringList &suffixes)
 {
     return std::any_of(suffixes.cbegin(), suffixes.cend(), [&path](const QString &suffix) {
         return path.endsWith(suffix, Qt::CaseInsensitive);
@@ -27,7 +33,7 @@ bool ImageFormatRule::isAccepted(const QString &path, const GflFileInformation &
 {
     const QString description = QString::fromStdString(information.description);
     const int components = information.componentsPerPixel;
-    const bool isPhotoshop = endsInOneOf(path, kPhotoshop);
+    const bool isPhotoshop = endsIn(path, kPhotoshop);
     const bool isFlagged = information.colorModel == GflColorModel::Lab
         || information.colorModel == GflColorModel::Cmyk
         || description.contains(QLatin1String("LAB"), Qt::CaseInsensitive)
@@ -39,12 +45,12 @@ bool ImageFormatRule::isAccepted(const QString &path, const GflFileInformation &
 
 bool ImageFormatRule::isRaw(const QString &path)
 {
-    return endsInOneOf(path, kRaw);
+    return endsIn(path, kRaw);
 }
 
 bool ImageFormatRule::isHighDynamicRange(const QString &path)
 {
-    return endsInOneOf(path, kHighDynamicRange);
+    return endsIn(path, kHighDynamicRange);
 }
 
 int ImageFormatRule::reductionFactor(int width, int height, int thumbnailWidth, int thumbnailHeight)

@@ -8,7 +8,7 @@
 namespace ImageFormatRule {
 
 /// Whether `path` ends in one of `suffixes`, in any case.
-bool endsInOneOf(const QString &path, const QStringList &suffixes);
+bool isIgnored(const QString &path, const QStringList &suffixes);
 
 /// False for colours that the library does not know, CMYK, LAB and gray, and for tiled TIFF files.
 /// Photoshop files may have any colours of three components and more.

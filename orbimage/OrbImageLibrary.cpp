@@ -27,7 +27,12 @@ struct Library
     QString messages; // guarded by messagesMutex
 };
 
-std::unique_ptr<Library> g_library;
+/// Null before the start and after the stop.
+std::unique_ptr<Library> &library()
+{
+    static std::unique_ptr<Library> made;
+    return made;
+}
 
 } // namespace
 
@@ -42,41 +47,41 @@ void OrbImageLibrary::start()
     initTables();
     QDir::setSearchPaths(kDataPrefix, {QStringLiteral(":/Data")});
     gflLibraryInitEx();
-    g_library = std::make_unique<Library>();
+    library() = std::make_unique<Library>();
 }
 
 void OrbImageLibrary::stop()
 {
-    g_library.reset();
+    library().reset();
     gflLibraryExit();
     QDir::setSearchPaths(kDataPrefix, {});
 }
 
 ImageDefCache *OrbImageLibrary::cache()
 {
-    return g_library ? &g_library->cache : nullptr;
+    return library() ? &library()->cache : nullptr;
 }
 
 ImageLoadOptions &OrbImageLibrary::loadOptions()
 {
-    return g_library->options;
+    return library()->options;
 }
 
 TemporaryStore &OrbImageLibrary::temporaryStore()
 {
-    std::call_once(g_library->storeMade, [] { g_library->store.removeLeftovers(); });
-    return g_library->store;
+    std::call_once(library()->storeMade, [] { library()->store.removeLeftovers(); });
+    return library()->store;
 }
 
 QString OrbImageLibrary::gflLastMessages()
 {
-    const QMutexLocker lock(&g_library->messagesMutex);
-    return g_library->messages;
+    const QMutexLocker lock(&library()->messagesMutex);
+    return library()->messages;
 }
 
 void OrbImageLibrary::appendMessage(const QString &message)
 {
-    const QMutexLocker lock(&g_library->messagesMutex);
-    g_library->messages += message + QLatin1Char('\n');
-    g_library->messages = g_library->messages.right(kMostMessages);
+    const QMutexLocker lock(&library()->messagesMutex);
+    library()->messages += message + QLatin1Char('\n');
+    library()->messages = library()->messages.right(kMostMessages);
 }

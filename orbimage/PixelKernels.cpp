@@ -44,6 +44,7 @@ T fromShare(Share share)
     } else {
         const Share aboveBlack = share > 0 ? share : 0; // so is "not a number"
         const Share inside = aboveBlack < 1 ? aboveBlack : 1;
+        // lround would be a call. NOLINTNEXTLINE(bugprone-incorrect-roundings)
         return T(int(double(inside) * kMost<T> + 0.5));
     }
 }

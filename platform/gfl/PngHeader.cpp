@@ -12,6 +12,10 @@ constexpr std::uint64_t kLongestHeader = 1 << 16;
 
 struct Source
 {
+    explicit Source(const FileSlice &slice)
+        : file(slice)
+    {}
+
     FileSlice file;
     std::uint64_t position = 0;
 };
@@ -55,7 +59,7 @@ std::optional<GflFileInformation> FileHeaders::png(const FileSlice &file)
     if (!png)
         return std::nullopt;
     png_infop info = png_create_info_struct(png);
-    Source source{file.part(0, kLongestHeader)};
+    Source source(file.part(0, kLongestHeader));
     if (info)
         readHeader(png, info, source);
     // The sizes stand in the first chunk; what follows may be broken or long.

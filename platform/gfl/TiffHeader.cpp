@@ -15,6 +15,10 @@ constexpr tmsize_t kLongestTag = 1 << 20;
 
 struct Source
 {
+    explicit Source(const FileSlice &slice)
+        : file(slice)
+    {}
+
     FileSlice file;
     std::uint64_t position = 0;
     std::uint64_t left = kLongestHeader;
@@ -64,7 +68,7 @@ std::optional<GflFileInformation> FileHeaders::tiff(const FileSlice &file)
     const TiffOptions options = quietTiffOptions(kLongestTag);
     if (!options)
         return std::nullopt;
-    Source source{file};
+    Source source(file);
     // "m": not mapped, "D": without the places of the pixels.
     const std::unique_ptr<TIFF, decltype(&TIFFClose)>
         tiff(TIFFClientOpenExt("", "rmD", &source, readBytes, writeNothing, seek, closeNothing,

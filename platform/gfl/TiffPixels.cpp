@@ -4,7 +4,7 @@
 #include "QuietTiff.h"
 
 #include <algorithm>
-#include <cstring>
+#include <array>
 #include <memory>
 
 #include <unistd.h>
@@ -35,13 +35,12 @@ Tiff openTiff(int file, const char *mode, std::uint64_t largestBlock)
 
 bool looksLikeTiff(int file)
 {
-    char start[4] = {};
-    if (pread(file, start, sizeof start, 0) != ssize_t(sizeof start))
-        return false;
-    const auto startsWith = [&start](const char *magic) {
-        return std::memcmp(start, magic, sizeof start) == 0;
-    };
-    return startsWith("II*\0") || startsWith("MM\0*") || startsWith("II+\0") || startsWith("MM\0+");
+    using Start = std::array<char, 4>;
+    constexpr std::array<Start, 4> kStarts = {
+        {{'I', 'I', '*', 0}, {'M', 'M', 0, '*'}, {'I', 'I', '+', 0}, {'M', 'M', 0, '+'}}};
+    Start start = {};
+    return pread(file, start.data(), start.size(), 0) == ssize_t(start.size())
+        && std::find(kStarts.begin(), kStarts.end(), start) != kStarts.end();
 }
 
 struct TiffHeader

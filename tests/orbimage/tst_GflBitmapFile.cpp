@@ -72,7 +72,8 @@ struct Pixels
         bitmap.width = width;
         bitmap.height = height;
         bitmap.bitsPerComponent = bits;
-        bitmap.bytesPerLine = std::size_t((line + padding - 1) / padding * padding);
+        bitmap.bytesPerLine = (std::size_t(line) + std::size_t(padding) - 1) / std::size_t(padding)
+            * std::size_t(padding);
         const QByteArray content = garbage(int(bitmap.bytesPerLine) * height);
         bytes.assign(content.begin(), content.end());
         bitmap.data = bytes.data();

@@ -20,7 +20,7 @@ using namespace ImageFiles;
 namespace {
 
 constexpr char kDescribe[] = "--describe";
-constexpr long kMostMemory = 64 * 1024; // KiB for one description
+constexpr long kMostMemory = 64L * 1024; // KiB for one description
 constexpr int kDeadlineMs = 20000;
 constexpr quint16 kExifDirectory = 0x8769;
 constexpr quint16 kGpsDirectory = 0x8825;

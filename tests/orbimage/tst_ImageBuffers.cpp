@@ -141,7 +141,7 @@ void tst_ImageBuffers::whatIsNotThereIsMadeFromTheNextLarger()
 
 void tst_ImageBuffers::theOneUsedTheLongestTimeAgoGoesFirst()
 {
-    Fixture fixture(kBytes + 2 * 32 * 32);
+    Fixture fixture(kBytes + std::size_t(2) * 32 * 32);
     fixture.write(kWidth, kHeight, 1);
     fixture.write(32, 32, 2);
     QVERIFY(fixture.holds(kWidth, kHeight, 1));

@@ -324,10 +324,12 @@ void tst_ImageDef::sensorsGiveTheFocalLength_data()
 void tst_ImageDef::sensorsGiveTheFocalLength()
 {
     QFETCH(QString, tags);
-    const ImageDef *const image =
-        tagged(QString::fromLatin1(QTest::currentDataTag()) + QStringLiteral(".jpg"),
-               words(tags.toLatin1()).replaceInStrings(QStringLiteral("_"), QStringLiteral(" "))
-                   << QStringLiteral("-FocalLength=10"));
+    QStringList arguments = words(tags.toLatin1());
+    arguments.replaceInStrings(QStringLiteral("_"), QStringLiteral(" "));
+    arguments << QStringLiteral("-FocalLength=10");
+    const ImageDef *const image = tagged(QString::fromLatin1(QTest::currentDataTag())
+                                             + QStringLiteral(".jpg"),
+                                         arguments);
     QVERIFY(image && image->hasCameraData());
     QFETCH(double, scale);
     QVERIFY(qAbs(image->metadata().scaleFactor - scale) < 0.01 * scale);

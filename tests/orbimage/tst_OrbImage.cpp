@@ -82,7 +82,7 @@ private slots:
             image.allocate(1, 2, kGflRgb, 8, false, mine, 4);
             QCOMPARE(pixels(image), bytes({1, 2, 3, 4, 5, 6}));
             OrbImage moved = std::move(image);
-            QCOMPARE(image.bitmap().data, nullptr); // NOLINT(bugprone-use-after-move)
+            QCOMPARE(image.bitmap().data, nullptr); // NOLINT(*-use-after-move,*-cplusplus.Move)
             moved.allocate(1, 2, kGflRgba, 8, true);
             QCOMPARE(mine[0], uchar(1));
             moved.allocate(1, 2, kGflRgb, 8, true, mine, 4);
@@ -227,8 +227,8 @@ private slots:
                     noise = noise * 1664525U + 1013904223U;
                     line[i] = quint16(noise >> 16U);
                     const int x = i / components / factor;
-                    sums[std::size_t((y / factor * width + x) * components + i % components)] +=
-                        line[i];
+                    const int at = (y / factor * width + x) * components + i % components;
+                    sums[std::size_t(at)] += line[i];
                 }
             }
             OrbImage image;
@@ -261,7 +261,7 @@ private slots:
     {
         constexpr int width = 65535;
         OrbImage source;
-        fill<quint16>(source, width, 3, std::vector<quint16>(width * 3, 65535));
+        fill<quint16>(source, width, 3, std::vector<quint16>(std::size_t(width) * 3, 65535));
         source.reducedCopy(source, 7, 2, kGflRgb, 8);
         QCOMPARE(pixels(source), QByteArray(7 * 2 * 3, char(255)));
     }

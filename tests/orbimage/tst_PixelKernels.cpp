@@ -216,7 +216,7 @@ private slots:
             Bytes target(40 * 4 * 4 + 1);
             PixelKernels::kernel({3, bits}, {4, 16})(moved.data() + 1, target.data() + 1, 40);
             const Bytes wanted = convert(source, {3, bits}, {4, 16}, 40);
-            QVERIFY(std::memcmp(target.data() + 1, wanted.data(), 40 * 4 * 2) == 0);
+            QVERIFY(std::memcmp(target.data() + 1, wanted.data(), std::size_t(40) * 4 * 2) == 0);
         }
     }
 
