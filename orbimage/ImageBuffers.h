@@ -32,6 +32,7 @@ struct ImageCacheItem
 class ImageBuffers
 {
 public:
+    /// Of one image, bytes.
     static constexpr std::size_t kMemoryLimit = std::size_t(512) << 20;
 
     /// The image of `width` times `height` pixels of `bitsPerPixel` in the file `path`.

@@ -27,7 +27,8 @@ public:
     /// stop.
     static bool open(const QString &path, ImageDef **result, bool thumbnail);
 
-    /// The name under which the description of a path is kept: the MD5 of its bytes, hexadecimal.
+    /// The name under which the description of a path is kept: the MD5 of its bytes in UTF-8, in
+    /// which the file is opened too, hexadecimal.
     static QString keyOf(const QString &path);
 
     ~ImageDef() override;

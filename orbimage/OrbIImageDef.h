@@ -37,9 +37,10 @@ public:
     virtual qint64 dateTime() const = 0;       ///< seconds since 1970
     virtual float exposureValue() const = 0;
 
-    /// The pixels at a size up to the image's own, in the type and depth of the file; they stay
-    /// where they are until they are released as often as they were acquired. `forWrite` where they
-    /// may be changed: who else has them has to know. Throws an OrbException.
+    /// The pixels at a size up to the image's own, in the type and depth in which the
+    /// installed reader gives them, for a high dynamic range 8 bits; they stay where they are until
+    /// they are released as often as they were acquired. `forWrite` where they may be changed: who
+    /// else has them has to know. Throws an OrbException.
     virtual OrbImage &acquireBuffer(int width, int height, bool forWrite) = 0;
     virtual void releaseBuffer(int width, int height, bool forWrite) = 0;
 

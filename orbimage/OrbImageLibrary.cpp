@@ -53,7 +53,6 @@ void OrbImageLibrary::start()
 void OrbImageLibrary::stop()
 {
     library().reset();
-    gflLibraryExit();
     QDir::setSearchPaths(kDataPrefix, {});
 }
 

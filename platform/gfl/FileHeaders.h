@@ -10,7 +10,10 @@
 /// Pure but for reading the file; any thread.
 namespace FileHeaders {
 
-/// The header of the first of the formats below that knows the file.
+/// Whether the file begins as one of the formats below.
+bool knows(const FileSlice &file);
+
+/// The header of the first of the formats below that can read it.
 std::optional<GflFileInformation> any(const FileSlice &file);
 
 std::optional<GflFileInformation> jpeg(const FileSlice &file);

@@ -62,8 +62,9 @@ std::optional<GflFileInformation> FileHeaders::png(const FileSlice &file)
     Source source(file.part(0, kLongestHeader));
     if (info)
         readHeader(png, info, source);
-    // The sizes stand in the first chunk; what follows may be broken or long.
-    const bool isRead = info && png_get_image_width(png, info) > 0;
+    // The sizes stand in the first chunk, and the channels are known once they were found good;
+    // what follows may be broken or long.
+    const bool isRead = info && png_get_channels(png, info) > 0;
     GflFileInformation information;
     if (isRead) {
         const png_byte color = png_get_color_type(png, info);

@@ -13,6 +13,9 @@ namespace {
 constexpr std::uint64_t kLongestHeader = 1 << 20;
 constexpr tmsize_t kLongestTag = 1 << 20;
 
+constexpr int kMostSamples = 64;
+constexpr int kMostBits = 64;
+
 struct Source
 {
     explicit Source(const FileSlice &slice)
@@ -87,7 +90,8 @@ std::optional<GflFileInformation> FileHeaders::tiff(const FileSlice &file)
     TIFFGetFieldDefaulted(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, &samples);
     TIFFGetFieldDefaulted(tiff.get(), TIFFTAG_BITSPERSAMPLE, &bits);
     TIFFGetField(tiff.get(), TIFFTAG_PHOTOMETRIC, &photometric);
-    if (width == 0 || width > INT32_MAX || height == 0 || height > INT32_MAX)
+    if (width == 0 || width > INT32_MAX || height == 0 || height > INT32_MAX || samples == 0
+        || samples > kMostSamples || bits == 0 || bits > kMostBits)
         return std::nullopt;
 
     GflFileInformation information;

@@ -5,20 +5,20 @@
 #include "BoundedFile.h"
 #include "ExifItems.h"
 #include "FileHeaders.h"
+#include "PacketCatcher.h"
 #include "SphericalNote.h"
 
 #include <QBuffer>
+#include <QFile>
 #include <QImage>
 #include <QImageReader>
 
 #include <exiv2/bmffimage.hpp>
 #include <exiv2/error.hpp>
 #include <exiv2/image.hpp>
-#include <exiv2/xmp_exiv2.hpp>
 
 #include <cmath>
 #include <cstring>
-#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -29,77 +29,69 @@ constexpr qint64 kMostPixels = 1 << 29; // decoded for a thumbnail
 /// What Exiv2 may allocate for one file.
 constexpr std::size_t kMostMemory = 32u << 20U;
 
-/// Exiv2's reader of XMP is not thread-safe.
+/// Exiv2 promises little about threads.
 std::mutex g_exiv2;
 
-GflBytes copied(const Exiv2::byte *bytes, long size)
+/// Calls `use` with the file's metadata as Exiv2 reads them, up to the first fault. What it or
+/// Exiv2 throws ends it.
+template <typename Use>
+void withExiv2(const RegularFile &file, const Use &use)
 {
-    return size > 0 ? GflBytes(bytes, bytes + size) : GflBytes();
-}
-
-using Exiv2Image = std::unique_ptr<Exiv2::Image>;
-
-/// The file's metadata up to the first fault; null for a file that Exiv2 does not know. To be
-/// called with g_exiv2 locked and a budget.
-Exiv2Image readImage(const RegularFile &file)
-{
-    Exiv2Image image;
+    const std::lock_guard<std::mutex> lock(g_exiv2);
+    const AllocationBudget budget(kMostMemory);
     try {
         const std::string path = "/proc/self/fd/" + std::to_string(file.descriptor());
         auto bounded = Exiv2::ImageFactory::createIo(path); // of the pointer type that Exiv2 has
         bounded.reset(new BoundedFile(path));
-        image.reset(Exiv2::ImageFactory::open(bounded).release());
-        if (image)
+        const auto image = Exiv2::ImageFactory::open(bounded);
+        if (!image.get())
+            return;
+        try {
             image->readMetadata();
+        } catch (const std::exception &) {
+            use(*image); // what was read before the fault
+            return;
+        }
+        use(*image);
     } catch (const std::exception &) {
-        return image;
+        return;
     }
-    return image;
 }
 
-/// The file's header, from Exiv2 for a format that the others do not know.
+/// The file's header. A format that only Exiv2 knows is taken for RGB of 8 bits.
 std::optional<GflFileInformation> informationOf(const RegularFile &file)
 {
-    const std::optional<GflFileInformation> known = FileHeaders::any(FileSlice(file));
-    if (known)
-        return known;
-    const std::lock_guard<std::mutex> lock(g_exiv2);
-    const AllocationBudget budget(kMostMemory);
-    const Exiv2Image image = readImage(file);
-    if (!image || image->pixelWidth() <= 0 || image->pixelHeight() <= 0)
-        return std::nullopt;
-    GflFileInformation information;
-    information.width = image->pixelWidth();
-    information.height = image->pixelHeight();
-    information.componentsPerPixel = 3;
-    information.bitsPerComponent = 8;
-    information.description = image->mimeType();
+    const FileSlice slice(file);
+    if (FileHeaders::knows(slice))
+        return FileHeaders::any(slice);
+    std::optional<GflFileInformation> information;
+    withExiv2(file, [&information](const Exiv2::Image &image) {
+        if (image.pixelWidth() <= 0 || image.pixelHeight() <= 0)
+            return;
+        GflFileInformation found;
+        found.width = image.pixelWidth();
+        found.height = image.pixelHeight();
+        found.componentsPerPixel = 3;
+        found.bitsPerComponent = 8;
+        found.description = image.mimeType();
+        information = found;
+    });
     return information;
 }
 
 GflMetadata readMetadata(const RegularFile &file)
 {
     GflMetadata metadata;
-    const std::lock_guard<std::mutex> lock(g_exiv2);
-    const AllocationBudget budget(kMostMemory);
-    const Exiv2Image image = readImage(file);
-    if (!image)
-        return metadata;
-    try {
-        ExifItems::read(image->exifData(), metadata.exif, metadata.exif2);
-        if (image->iccProfileDefined())
-            metadata.iccProfile = copied(image->iccProfile()->pData_, image->iccProfile()->size_);
-        if (!image->iptcData().empty()) {
-            const Exiv2::DataBuf iptc = Exiv2::IptcParser::encode(image->iptcData());
-            metadata.iptc = copied(iptc.pData_, iptc.size_);
-        }
-        // As it stands in the file; of a TIFF Exiv2 keeps no more than what it has read.
-        metadata.xmp = std::as_const(*image).xmpPacket();
-        if (metadata.xmp.empty())
-            metadata.xmp = image->xmpPacket();
-    } catch (const std::exception &) {
-        return metadata;
-    }
+    PacketCatcher packets;
+    withExiv2(file, [&metadata](Exiv2::Image &image) {
+        ExifItems::read(image.exifData(), metadata.exif, metadata.exif2);
+        if (!image.iccProfileDefined())
+            return;
+        const Exiv2::DataBuf &profile = *image.iccProfile();
+        metadata.iccProfile.assign(profile.pData_, profile.pData_ + profile.size_);
+    });
+    metadata.xmp = std::move(packets.xmp);
+    metadata.iptc = std::move(packets.iptc);
     return metadata;
 }
 
@@ -108,19 +100,10 @@ QImage embeddedThumbnail(const RegularFile &file)
 {
     constexpr int kLargestSide = 2048;
     QByteArray jpeg;
-    {
-        const std::lock_guard<std::mutex> lock(g_exiv2);
-        const AllocationBudget budget(kMostMemory);
-        const Exiv2Image image = readImage(file);
-        if (!image)
-            return {};
-        try {
-            const Exiv2::DataBuf bytes = Exiv2::ExifThumbC(image->exifData()).copy();
-            jpeg = QByteArray(reinterpret_cast<const char *>(bytes.pData_), int(bytes.size_));
-        } catch (const std::exception &) {
-            return {};
-        }
-    }
+    withExiv2(file, [&jpeg](Exiv2::Image &image) {
+        const Exiv2::DataBuf bytes = Exiv2::ExifThumbC(image.exifData()).copy();
+        jpeg = QByteArray(reinterpret_cast<const char *>(bytes.pData_), int(bytes.size_));
+    });
     if (jpeg.isEmpty())
         return {};
     QBuffer buffer(&jpeg);
@@ -168,13 +151,7 @@ GflError toBitmap(const QImage &picture, GflBitmap *bitmap)
 void gflLibraryInitEx()
 {
     Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-    Exiv2::XmpParser::initialize();
     Exiv2::enableBMFF(); // HEIF, AVIF, JPEG XL and CR3
-}
-
-void gflLibraryExit()
-{
-    Exiv2::XmpParser::terminate();
 }
 
 GflError gflGetFileInformationExUTF8(const std::string &path, GflFileInformation *information)
@@ -219,8 +196,13 @@ GflError gflLoadThumbnailUTF8(const std::string &path, int width, int height, co
         const QSize size(information->width, information->height);
         if (pixels(size) > kMostPixels)
             return GflError::NoMemory;
-        QImageReader reader(QString::fromStdString(path));
+        QFile content(QString::fromStdString(path)); // readers look at the suffix
+        if (!content.open(file->descriptor(), QIODevice::ReadOnly))
+            return GflError::FileOpen;
+        QImageReader reader(&content);
         reader.setDecideFormatFromContent(true);
+        if (pixels(reader.size()) > kMostPixels)
+            return GflError::NoMemory;
         reader.setScaledSize(size.scaled(wanted, Qt::KeepAspectRatioByExpanding).boundedTo(size));
         picture = reader.read();
         if (picture.isNull())

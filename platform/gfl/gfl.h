@@ -6,10 +6,9 @@
 #include <string>
 #include <vector>
 
-/// Reading and writing of image files. Between gflLibraryInitEx and gflLibraryExit all functions
-/// may be called from any thread. Paths are UTF-8. Every file may be hostile: what cannot be read
-/// is an error or missing, and describing a file takes a bounded amount of memory whatever it
-/// holds.
+/// Reading and writing of image files. After gflLibraryInitEx all functions may be called from any
+/// thread. Paths are UTF-8. Every file may be hostile: what cannot be read is an error or missing,
+/// and describing a file takes a bounded amount of memory whatever it holds.
 
 /// What went wrong. The values are shown to users and stay.
 enum class GflError {
@@ -52,7 +51,6 @@ struct GflMetadata
 
 /// Once at the start of the program, before any other call, on the main thread.
 void gflLibraryInitEx();
-void gflLibraryExit();
 
 /// The description of the file at `path`, from its header alone.
 GflError gflGetFileInformationExUTF8(const std::string &path, GflFileInformation *information);

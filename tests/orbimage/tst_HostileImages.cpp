@@ -89,7 +89,7 @@ QByteArray xmp(const QByteArray &content, const QByteArray &before = {})
 
 QByteArray pngOfXmp(const QByteArray &text)
 {
-    return pngOfText("iTXt", QByteArray("XML:com.adobe.xmp\0\1\0\0\0", 22), text);
+    return png(8, 8, pngChunk("iTXt", QByteArray("XML:com.adobe.xmp\0\0\0\0\0", 22) + text));
 }
 
 /// Entities that grow tenfold with each level.
@@ -113,8 +113,22 @@ QByteArray tiff(const std::function<QVector<TiffItem>(TiffWriter &)> &items, qui
 QByteArray tiffOfSize(quint16 side)
 {
     return tiff([side](TiffWriter &w) {
-        return QVector<TiffItem>{w.shorts(256, {side}), w.shorts(257, {side}),
-                                 w.shorts(258, {8, 8, 8}), w.shorts(262, {2}), w.shorts(277, {3})};
+        return QVector<TiffItem>{w.shorts(256, {side}),    w.shorts(257, {side}),
+                                 w.shorts(258, {8, 8, 8}), w.shorts(262, {2}),
+                                 w.pointer(273, 8),        w.shorts(277, {3}),
+                                 w.pointer(279, 100)};
+    });
+}
+
+/// A TIFF with IPTC whose data sets Exiv2 compares each with each.
+QByteArray tiffOfIptc(int count)
+{
+    const QByteArray repeatable("\x1c\2\x19\0\0", 5);
+    const QByteArray single("\x1c\2\x5a\0\0", 5);
+    return tiff([&](TiffWriter &w) {
+        return QVector<TiffItem>{w.shorts(256, {8}), w.shorts(257, {8}),
+                                 w.bytes(0x83BB,
+                                         repeatable.repeated(count) + single.repeated(count))};
     });
 }
 
@@ -338,14 +352,20 @@ void tst_HostileImages::aDescriptionCostsLittle_data()
     row("PNG text that grows",
         pngOfText("zTXt", QByteArray("Raw profile type exif\0\0", 23), QByteArray(100 << 20, '1')),
         true);
-    row("PNG XMP that grows", pngOfXmp(xmp(QByteArray(100 << 20, ' '))), true);
+    row("long XMP", pngOfXmp(xmp(QByteArray(20 << 20, ' '))), true);
+    QByteArray properties;
+    for (int i = 0; i < 60000; ++i)
+        properties += "<a:p" + QByteArray::number(i) + "/>";
+    const QByteArray rdf("<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>");
+    row("XMP of many properties",
+        pngOfXmp(xmp(rdf + "<rdf:Description rdf:about='' xmlns:a='a:'>" + properties
+                     + "</rdf:Description></rdf:RDF>")),
+        true);
+    row("IPTC of many data sets", tiffOfIptc(80000));
     row("XMP of growing entities", pngOfXmp(growingEntities()), true);
     row("deep XMP", pngOfXmp(xmp(QByteArray("<a>").repeated(1 << 20))), true);
     const QByteArray item("<rdf:Description><rdf:Description xmlns:a='a:' ><a:a>");
-    row("deep RDF",
-        pngOfXmp(xmp("<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
-                     + item.repeated(100000))),
-        true);
+    row("deep RDF", pngOfXmp(xmp(rdf + item.repeated(100000))), true);
 }
 
 void tst_HostileImages::aDescriptionCostsLittle()
