@@ -27,9 +27,9 @@ int Exiv2::XmpParser::decode(XmpData &, const std::string &packet)
     return 0;
 }
 
-int Exiv2::IptcParser::decode(IptcData &, const byte *bytes, uint32_t size)
+int Exiv2::IptcParser::decode(IptcData &, const byte *pData, uint32_t size)
 {
     if (t_catcher)
-        t_catcher->iptc.assign(bytes, bytes + size);
+        t_catcher->iptc.assign(pData, pData + size);
     return 0;
 }
