@@ -196,6 +196,7 @@ private slots:
     void changedExifLeavesThePicture();
     void aDescriptionCostsLittle_data();
     void aDescriptionCostsLittle();
+    void whatAHeaderRefusesNobodyElseTakes();
     void whatIsNoFileIsNothing();
 
 private:
@@ -382,6 +383,28 @@ void tst_HostileImages::aDescriptionCostsLittle()
     if (hasSanitizer())
         QSKIP("A sanitizer keeps what is freed, so that memory tells nothing");
     QVERIFY2(told.at(0) <= kMostMemory, qPrintable(QString::number(told.at(0))));
+}
+
+void tst_HostileImages::whatAHeaderRefusesNobodyElseTakes()
+{
+    const QString cmyk = m_folder.filePath(QStringLiteral("cmyk.jpg"));
+    QCOMPARE(run(QStringLiteral("convert"),
+                 {m_good, QStringLiteral("-colorspace"), QStringLiteral("CMYK"), cmyk}),
+             QString());
+    const QByteArray jpeg = read(cmyk);
+    const auto pngOfPalette = [](quint32 height, char depth) {
+        QByteArray bytes = png(8, height, {});
+        bytes.replace(24, 2, QByteArray(1, depth) + '\3');
+        bytes.replace(29, 4, bigEndian(crc(bytes.mid(12, 17))));
+        return bytes;
+    };
+    for (const QByteArray &content :
+         {jpeg.left(jpeg.indexOf("\xff\xda")), pngOfPalette(0, 8), pngOfPalette(8, 99)}) {
+        const QString path = newPath();
+        QVERIFY(write(path, content));
+        ImageDef *image = nullptr;
+        QVERIFY(!ImageDef::open(path, &image, false));
+    }
 }
 
 void tst_HostileImages::whatIsNoFileIsNothing()
