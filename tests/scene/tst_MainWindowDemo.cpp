@@ -26,9 +26,6 @@ void tst_MainWindowDemo::startsFullScreenWithThePictureAndNoPopup()
 
 void tst_MainWindowDemo::theBarStaysAndItsListsClose()
 {
-    // By its timing the render thread's loop has stopped Qt's animation driver before the last
-    // animation ends; Qt says so and goes on.
-    ignoreWarning(QStringLiteral("^QUnifiedTimer::stopAnimationDriver: driver is not running"));
     QVERIFY(barIsUp());
     moveTo(middle());
     QCOMPARE(state(), QStringLiteral("ControlsPanel"));
