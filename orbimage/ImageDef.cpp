@@ -103,8 +103,7 @@ bool ImageDef::readThumbnail(const ImageLoadOptions &options)
                                                         options.thumbnailHeight);
     const QSize reduced(std::max(1, width() / factor), std::max(1, height() / factor));
     GflBitmap bitmap;
-    if (gflLoadThumbnailUTF8(m_path.toStdString(), reduced.width(), reduced.height(), options.raw,
-                             &bitmap)
+    if (gflLoadThumbnailUTF8(m_path.toStdString(), reduced.width(), reduced.height(), &bitmap)
         != GflError::None)
         return false;
     try {

@@ -1,8 +1,20 @@
 #pragma once
 
-#include "GflBitmap.h"
-
 #include <QStringList>
+
+/// How a camera's raw file is to be developed, for a reader that can be told: those among the
+/// installed readers of Qt go by themselves.
+struct RawOptions
+{
+    bool automaticWhiteBalance = false;
+    bool useCameraBalance = true;
+    int highlight = 0;
+    bool autoBrightness = false;
+    double gamma = 2.2;
+    double brightness = 2.5;
+    double redScale = 1.0;
+    double blueScale = 1.0;
+};
 
 /// How images are described. One for the process, read by every opening.
 struct ImageLoadOptions
@@ -23,7 +35,7 @@ struct ImageLoadOptions
     double fixedDistortion2 = 0.0;
     double fixedDistortion3 = 0.0;
     int fixedLensType2 = 0;
-    GflRawOptions raw;
+    RawOptions raw;
     /// Ends of paths that are refused, in any case.
     QStringList ignoredSuffixes = {QStringLiteral(".THM")};
 };

@@ -188,7 +188,7 @@ void OrbImage::reducedCopy(const OrbImage &source, int width, int height, unsign
     m_bitmap = std::move(result.m_bitmap);
 }
 
-void OrbImage::ID_Read(const QString &path, const GflRawOptions &raw)
+void OrbImage::ID_Read(const QString &path)
 {
     if (path.isEmpty())
         throw OrbException(invalidParameter());
@@ -198,7 +198,7 @@ void OrbImage::ID_Read(const QString &path, const GflRawOptions &raw)
                                .arg(file.absoluteFilePath()));
     }
     GflBitmap bitmap;
-    const GflError error = gflLoadBitmapUTF8(path.toStdString(), raw, &bitmap);
+    const GflError error = gflLoadBitmapUTF8(path.toStdString(), &bitmap);
     if (error != GflError::None)
         throw OrbException(error, path);
     check(bitmap);

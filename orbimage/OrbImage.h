@@ -49,7 +49,7 @@ public:
                      int bitsPerComponent);
 
     /// Loads the file at its own depth.
-    void ID_Read(const QString &path, const GflRawOptions &raw = {});
+    void ID_Read(const QString &path);
 
     /// Saves as a TIFF from which ID_Read makes the same buffer.
     void ID_WriteToCache(const QString &path) const;

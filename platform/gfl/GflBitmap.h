@@ -41,17 +41,3 @@ struct GflBitmap
 
     unsigned char *line(int y) const { return data + std::size_t(y) * bytesPerLine; }
 };
-
-/// How a camera's raw file is developed. No reader of ours develops one by itself; those among the
-/// installed readers of images have settings of their own.
-struct GflRawOptions
-{
-    bool automaticWhiteBalance = false;
-    bool useCameraBalance = true;
-    int highlight = 0;
-    bool autoBrightness = false;
-    double gamma = 2.2;
-    double brightness = 2.5;
-    double redScale = 1.0;
-    double blueScale = 1.0;
-};

@@ -71,7 +71,7 @@ GflError readByInstalledReader(QFile *file, GflBitmap *bitmap)
 
 } // namespace
 
-GflError gflLoadBitmapUTF8(const std::string &path, const GflRawOptions &, GflBitmap *bitmap)
+GflError gflLoadBitmapUTF8(const std::string &path, GflBitmap *bitmap)
 {
     const std::optional<RegularFile> opened = RegularFile::open(path);
     QFile file(QString::fromStdString(path)); // readers look at the suffix

@@ -178,8 +178,7 @@ GflMetadata gflLoadMetadataUTF8(const std::string &path)
     return metadata;
 }
 
-GflError gflLoadThumbnailUTF8(const std::string &path, int width, int height, const GflRawOptions &,
-                              GflBitmap *bitmap)
+GflError gflLoadThumbnailUTF8(const std::string &path, int width, int height, GflBitmap *bitmap)
 {
     const std::optional<RegularFile> file = RegularFile::open(path);
     if (!file)

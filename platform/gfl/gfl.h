@@ -60,13 +60,12 @@ GflMetadata gflLoadMetadataUTF8(const std::string &path);
 
 /// The whole image at its own depth: gray, RGB or RGBA, upright as the file has it. Pixels of more
 /// than 2 GiB are NoMemory.
-GflError gflLoadBitmapUTF8(const std::string &path, const GflRawOptions &raw, GflBitmap *bitmap);
+GflError gflLoadBitmapUTF8(const std::string &path, GflBitmap *bitmap);
 
 /// A small picture of the file, RGBA of 8 bits: the one that it has embedded where that is large
 /// enough, else the image itself reduced. It has the shape of the image and covers `width` times
 /// `height` pixels, or is the image itself where that is smaller.
-GflError gflLoadThumbnailUTF8(const std::string &path, int width, int height,
-                              const GflRawOptions &raw, GflBitmap *bitmap);
+GflError gflLoadThumbnailUTF8(const std::string &path, int width, int height, GflBitmap *bitmap);
 
 /// Writes `bitmap` as an uncompressed TIFF that gflLoadBitmapUTF8 reads back as it was. A file that
 /// could not be written whole is removed.

