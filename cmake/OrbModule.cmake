@@ -14,6 +14,7 @@ endif()
 
 # Height of each folder; a folder may link only folders below its own height. Folders of the same
 # height do not see each other.
+set(ORB_RANK_orb_filemapping 0)
 set(ORB_RANK_orb_gfl 0)
 set(ORB_RANK_orb_shell 1)
 set(ORB_RANK_orb_media 2)

@@ -103,7 +103,8 @@ Item {
         orbTextureProvider.setShaderEffectSource(mediaPlayer.shaderEffectSource)
         if (typeof mediaPlayer.textureId !== "undefined")
             orbTextureProvider.textureId = mediaPlayer.textureId
-        orbShaderCodeBuilder.invertedColors = mediaPlayer === videoPlayer
+        orbShaderCodeBuilder.invertedColors = !orbTextureProvider.isSharedMemory()
+                && mediaPlayer === videoPlayer
                 && (orbVideoPlugin.currentPlugin === "vlc"
                     || orbVideoPlugin.currentPlugin === "vlc_hw")
     }

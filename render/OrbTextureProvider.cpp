@@ -26,7 +26,7 @@ OrbTextureProvider::~OrbTextureProvider() = default;
 
 int OrbTextureProvider::textureId() const
 {
-    return m_liveFeed ? m_liveFeed->textureId() : m_textureId.load();
+    return m_liveFeed ? m_liveFeed->currentTexture() : m_textureId.load();
 }
 
 void OrbTextureProvider::setTextureId(int id)
@@ -52,7 +52,9 @@ void OrbTextureProvider::frameArrived()
 
 std::optional<int> OrbTextureProvider::contents() const
 {
-    if (m_liveFeed || !(m_provider || m_framesAnnounced))
+    if (m_liveFeed)
+        return m_liveFeed->contents();
+    if (!(m_provider || m_framesAnnounced))
         return std::nullopt;
     return m_contents;
 }

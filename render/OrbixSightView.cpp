@@ -73,11 +73,12 @@ QSGNode *OrbixSightView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *
 
 std::optional<OrbixSightView::Picture> OrbixSightView::currentPicture() const
 {
+    const int texture = m_textureProvider->textureId(); // may bring what it contains
     const std::optional<int> contents = m_textureProvider->contents();
     if (!contents || !window())
         return std::nullopt;
-    return Picture{currentView(), size() * window()->effectiveDevicePixelRatio(),
-                   m_textureProvider->textureId(), *contents};
+    return Picture{currentView(), size() * window()->effectiveDevicePixelRatio(), texture,
+                   *contents};
 }
 
 void OrbixSightView::paint(QPainter *painter)

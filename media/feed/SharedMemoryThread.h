@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QSemaphore>
+#include <QThread>
+
+class SharedMemoryManager;
+
+/// The thread of the live feed: waits for the writer, then looks for its frames by a timer, with a
+/// context of its own in the share group of the scene's. Made on the render thread; whoever calls
+/// `leave` and waits then may delete it.
+class SharedMemoryThread : public QThread
+{
+    Q_OBJECT
+
+public:
+    /// `scene` is current. Neither argument is owned.
+    SharedMemoryThread(SharedMemoryManager *manager, QOpenGLContext *scene);
+
+    /// Ends the thread, whatever it waits for, and returns when it has ended. Any other thread.
+    void leave();
+
+protected:
+    void run() override;
+
+private:
+    void poll(int intervalMs);
+
+    SharedMemoryManager *m_manager;
+    QOpenGLContext m_context;
+    QOffscreenSurface m_surface;
+    QSemaphore m_leave;
+};
