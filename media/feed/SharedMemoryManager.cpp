@@ -55,19 +55,33 @@ void SharedMemoryManager::stop()
 int SharedMemoryManager::currentTexture()
 {
     QOpenGLContext *context = QOpenGLContext::currentContext();
-    if (context && !m_thread) {
-        m_thread = std::make_unique<SharedMemoryThread>(this, context);
-        // What the feed shares with the context it cannot have without it.
-        connect(context, &QOpenGLContext::aboutToBeDestroyed, this, &SharedMemoryManager::stop,
-                static_cast<Qt::ConnectionType>(Qt::DirectConnection | Qt::UniqueConnection));
-        m_thread->start(QThread::InheritPriority);
-    }
+    if (context && !m_thread)
+        prepare(context);
     QOpenGLTexture *texture = m_feedTexture;
     if (!texture)
         return 0;
     if (context && m_feedFunctions)
         transferFilledBuffer(texture);
     return int(texture->textureId());
+}
+
+void SharedMemoryManager::prepare(QOpenGLContext *scene)
+{
+    m_thread = std::make_unique<SharedMemoryThread>(this, scene);
+    // What the feed shares with the context it cannot have without it.
+    connect(scene, &QOpenGLContext::aboutToBeDestroyed, this, &SharedMemoryManager::stop,
+            static_cast<Qt::ConnectionType>(Qt::DirectConnection | Qt::UniqueConnection));
+    QMetaObject::invokeMethod(
+        this, [this, format = scene->format()] { start(format); }, Qt::QueuedConnection);
+}
+
+void SharedMemoryManager::start(const QSurfaceFormat &format)
+{
+    if (!m_thread)
+        return; // the context has gone meanwhile
+    m_surface.setFormat(format);
+    m_surface.create();
+    m_thread->start(QThread::InheritPriority);
 }
 
 void SharedMemoryManager::transferFilledBuffer(QOpenGLTexture *texture)

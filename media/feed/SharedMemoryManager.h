@@ -3,6 +3,7 @@
 #include "FeedReader.h"
 
 #include <QObject>
+#include <QOffscreenSurface>
 #include <qopengl.h>
 
 #include <atomic>
@@ -18,11 +19,12 @@ class SharedMemoryThread;
 /// into the texture when it paints; a frame that is not fetched until the next one is there is
 /// dropped with it.
 ///
-/// Threads: `currentTexture` and `contents` belong to the render thread, with the scene's context
-/// current; what has FEED beside it below to the feed thread, which runs from the first of these
-/// calls until that context goes or this object does, whichever is first. Between them stand
-/// atomics and no lock: the render thread sees neither texture nor buffers before the texture is
-/// stored, `writeIndex` and `consumedToggle` tell it of a filled buffer, and `transferred` keeps
+/// Threads: the object lives on the main thread, which alone may create a surface and so starts the
+/// feed thread. `currentTexture` and `contents` belong to the render thread, with the scene's
+/// context current; what has FEED beside it below to the feed thread, which runs from the first of
+/// these calls until that context goes or this object does, whichever is first. Between the two
+/// stand atomics and no lock: the render thread sees neither texture nor buffers before the texture
+/// is stored, `writeIndex` and `consumedToggle` tell it of a filled buffer, and `transferred` keeps
 /// the feed thread from a buffer that is being read.
 class SharedMemoryManager : public QObject
 {
@@ -37,8 +39,8 @@ public:
     /// Waits for the feed thread, which is told to leave.
     ~SharedMemoryManager() override;
 
-    /// OpenGL name of the texture that holds the feed's newest frame, 0 before the first. Starts
-    /// the feed. Without a context, as on the main thread, it only tells the name.
+    /// OpenGL name of the texture that holds the feed's newest frame, 0 before the first. Has the
+    /// feed started. Without a context, as on the main thread, it only tells the name.
     int currentTexture();
 
     /// A number that changes with what the texture shows.
@@ -51,6 +53,8 @@ public slots:
 private:
     friend class SharedMemoryThread;
 
+    void prepare(QOpenGLContext *scene);
+    void start(const QSurfaceFormat &format);
     void stop();
     void fetchFunctions();
     void createBuffers(qsizetype bytes);
@@ -62,7 +66,8 @@ private:
     void transferFilledBuffer(QOpenGLTexture *texture);
     void releaseFeed();
 
-    FeedReader m_reader; ///< FEED
+    FeedReader m_reader;         ///< FEED
+    QOffscreenSurface m_surface; ///< for the context of the feed thread
     std::unique_ptr<SharedMemoryThread> m_thread;
 
     QOpenGLFunctions_3_2_Core *m_feedFunctions =

@@ -13,8 +13,6 @@ SharedMemoryThread::SharedMemoryThread(SharedMemoryManager *manager, QOpenGLCont
     : m_manager(manager)
 {
     QSurfaceFormat format = scene->format();
-    m_surface.setFormat(format);
-    m_surface.create();
     format.setProfile(QSurfaceFormat::CoreProfile);
     format.setVersion(2, 0);
     m_context.setFormat(format);
@@ -46,7 +44,8 @@ void SharedMemoryThread::run()
 
 void SharedMemoryThread::poll(int intervalMs)
 {
-    if (!(m_context.isValid() || m_context.create()) || !m_context.makeCurrent(&m_surface)) {
+    if (!(m_context.isValid() || m_context.create())
+        || !m_context.makeCurrent(&m_manager->m_surface)) {
         qCWarning(lcMedia, "The live feed has no OpenGL context.");
         return;
     }

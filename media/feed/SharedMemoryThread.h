@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QSemaphore>
 #include <QThread>
@@ -8,8 +7,8 @@
 class SharedMemoryManager;
 
 /// The thread of the live feed: waits for the writer, then looks for its frames by a timer, with a
-/// context of its own in the share group of the scene's. Made on the render thread; whoever calls
-/// `leave` and waits then may delete it.
+/// context of its own in the share group of the scene's. Made on the render thread; once `leave`
+/// has returned it may be deleted on any.
 class SharedMemoryThread : public QThread
 {
     Q_OBJECT
@@ -29,6 +28,5 @@ private:
 
     SharedMemoryManager *m_manager;
     QOpenGLContext m_context;
-    QOffscreenSurface m_surface;
     QSemaphore m_leave;
 };
