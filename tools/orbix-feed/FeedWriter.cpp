@@ -25,9 +25,9 @@ constexpr qint64 kReachable = qint64(1) << 32; // by the offsets of records
 constexpr int kLargest = std::numeric_limits<quint16>::max();
 constexpr mode_t kForThisUser = S_IRUSR | S_IWUSR;
 
-qint64 alignedUp(qint64 bytes)
+qint64 alignedUp(qint64 bytes, int alignment)
 {
-    return (bytes + kAligned - 1) / kAligned * kAligned;
+    return (bytes + alignment - 1) / alignment * alignment;
 }
 
 QString sizeText(QSize size)
@@ -57,7 +57,8 @@ qsizetype FeedWriter::frameBytes() const
 /// Behind the last slot: where what this writer uses of the block ends.
 qint64 FeedWriter::pixelOffset(int slot) const
 {
-    return alignedUp(FeedFormat::recordOffset(m_slots)) + slot * alignedUp(frameBytes());
+    return alignedUp(FeedFormat::recordOffset(m_slots), m_alignment)
+        + slot * alignedUp(frameBytes(), m_alignment);
 }
 
 uchar *FeedWriter::flag(int slot) const
@@ -70,7 +71,9 @@ QString FeedWriter::open(const Format &format)
     constexpr int kWidest = kLargest / FeedFormat::kBytesPerPixel;
     const QSize size = format.size;
     if (size.isEmpty() || size.width() > kWidest || size.height() > kLargest)
-        return QStringLiteral("Frames have from 1x1 to %1x%2 pixels.").arg(kWidest).arg(kLargest);
+        return QStringLiteral("Frames can have from 1x1 to %1x%2 pixels.")
+            .arg(kWidest)
+            .arg(kLargest);
     m_format = format;
     QString wrong = lockBlock();
     if (wrong.isEmpty())
@@ -133,6 +136,8 @@ QString FeedWriter::takeOver()
                    .arg(QString::fromLatin1(m_path), QLatin1String(FeedFormat::kVersionTag))
             + remedy;
     m_slots = qFromLittleEndian<quint16>(header + FeedFormat::kSlotCount);
+    if (pixelOffset(m_slots) > m_length)
+        m_alignment = FeedFormat::kBytesPerPixel; // as close as its maker may have put them
     const qint64 needed = pixelOffset(m_slots);
     if (m_slots == 0 || needed > m_length)
         return QStringLiteral("The shared memory %1 is too small: %2 frames of %3 need %4 bytes of "

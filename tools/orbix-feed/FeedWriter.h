@@ -70,7 +70,8 @@ private:
     int m_descriptor = -1; ///< of the block, with its lock
     qint64 m_length = 0;   ///< of the block as it was found, bytes
     uchar *m_view = nullptr;
-    int m_slots = 0; ///< records of the ring
+    int m_alignment = 64; ///< of pixels, bytes: frames share no cache line
+    int m_slots = 0;      ///< records of the ring
     int m_nextSlot = 0;
     quint64 m_stamp = 0;             ///< of the newest frame
     bool m_isFirstRejection = false; ///< the next one is not told
