@@ -106,8 +106,6 @@ void SharedMemoryManager::transferFilledBuffer(QOpenGLTexture *texture)
 
 void SharedMemoryManager::checkTexture()
 {
-    if (!m_feedFunctions)
-        fetchFunctions();
     if (m_transferred == m_writeIndex)
         return; // the frame keeps
     const std::optional<SharedFrameRecord> frame = m_reader.takeFrame();
@@ -123,8 +121,9 @@ void SharedMemoryManager::checkTexture()
 
 void SharedMemoryManager::fetchFunctions()
 {
-    m_feedFunctions = QOpenGLContext::currentContext()
-                          ->versionFunctions<QOpenGLFunctions_3_2_Core>();
+    const QOpenGLContext *context = QOpenGLContext::currentContext();
+    if (!context->isOpenGLES())
+        m_feedFunctions = context->versionFunctions<QOpenGLFunctions_3_2_Core>();
     if (m_feedFunctions && !m_feedFunctions->initializeOpenGLFunctions())
         m_feedFunctions = nullptr;
 }

@@ -49,6 +49,7 @@ void SharedMemoryThread::poll(int intervalMs)
         qCWarning(lcMedia, "The live feed has no OpenGL context.");
         return;
     }
+    m_manager->fetchFunctions();
     QTimer timer;
     timer.setTimerType(Qt::PreciseTimer);
     connect(&timer, &QTimer::timeout, m_manager, &SharedMemoryManager::checkTexture,
