@@ -20,7 +20,6 @@ using FeedFormat::SharedFrameRecord;
 namespace {
 
 constexpr int kNewSlots = 3;                   // one is written, one is read, one waits
-constexpr qint64 kAligned = 64;                // frames share no cache line
 constexpr qint64 kReachable = qint64(1) << 32; // by the offsets of records
 constexpr int kLargest = std::numeric_limits<quint16>::max();
 constexpr mode_t kForThisUser = S_IRUSR | S_IWUSR;
