@@ -7,6 +7,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 
 using namespace std::chrono_literals;
@@ -113,11 +114,14 @@ bool FeedReader::isReady(int slot) const
         && GuardedMemory::load(m_feedView + at + FeedFormat::kFrameReady).value_or(0) != 0;
 }
 
+/// As it stands after what was read before, and before what is read next.
 std::optional<SharedFrameRecord> FeedReader::record(int slot) const
 {
     uchar bytes[FeedFormat::kRecordBytes];
+    std::atomic_thread_fence(std::memory_order_acquire);
     if (!GuardedMemory::read(bytes, m_feedView + FeedFormat::recordOffset(slot), sizeof(bytes)))
         return std::nullopt;
+    std::atomic_thread_fence(std::memory_order_acquire);
     return FeedFormat::decode(bytes);
 }
 
@@ -136,11 +140,13 @@ std::optional<SharedFrameRecord> FeedReader::takeFrame()
     m_nextSlot %= records;
     const std::optional<SharedFrameRecord> frame = isReady(m_nextSlot) ? record(m_nextSlot)
                                                                        : std::nullopt;
-    if (!frame || frame->frameStamp < m_lastStamp)
+    // The writer may have begun to fill the record anew, which takes the flag away first.
+    if (!frame || !isReady(m_nextSlot) || frame->frameStamp < m_lastStamp)
         return std::nullopt;
     GuardedMemory::store(m_feedView + FeedFormat::recordOffset(m_nextSlot)
                              + FeedFormat::kFrameReady,
                          0);
+    m_takenSlot = m_nextSlot;
     m_nextSlot = (m_nextSlot + 1) % records;
     if (!isUsable(*frame)) {
         if (!m_saidSkipped)
@@ -156,15 +162,19 @@ bool FeedReader::copyPixels(const SharedFrameRecord &frame, uchar *to) const
 {
     const uchar *line = m_feedView + frame.pixelOffset;
     const std::size_t lineBytes = std::size_t(frame.frameWidth) * FeedFormat::kBytesPerPixel;
-    if (lineBytes == frame.bytesPerLine)
-        return GuardedMemory::read(to, line, frame.size());
-    for (int y = 0; y < frame.frameHeight; ++y) {
-        if (!GuardedMemory::read(to, line, lineBytes))
+    if (lineBytes == frame.bytesPerLine) {
+        if (!GuardedMemory::read(to, line, frame.size()))
             return false;
-        line += frame.bytesPerLine;
-        to += lineBytes;
+    } else {
+        for (int y = 0; y < frame.frameHeight; ++y) {
+            if (!GuardedMemory::read(to, line, lineBytes))
+                return false;
+            line += frame.bytesPerLine;
+            to += lineBytes;
+        }
     }
-    return true;
+    const std::optional<SharedFrameRecord> now = record(m_takenSlot);
+    return now && now->frameStamp == frame.frameStamp;
 }
 
 /// What is closed is the handle that this reader left in the block, as it stands there now.

@@ -42,8 +42,9 @@ public:
     /// stand within the block as it was mapped.
     std::optional<FeedFormat::SharedFrameRecord> takeFrame();
 
-    /// Copies a frame's pixels, its lines without what may stand between them. `to` has room for
-    /// 4 bytes a pixel. False if the block was cut short meanwhile.
+    /// Copies the pixels of the frame that was taken last, its lines without what may stand between
+    /// them. `to` has room for 4 bytes a pixel. False if the writer has come round and overwritten
+    /// them, as its record's stamp tells, or the block was cut short.
     bool copyPixels(const FeedFormat::SharedFrameRecord &frame, uchar *to) const;
 
     /// Lets go of the block.
@@ -63,5 +64,6 @@ private:
     qint64 m_length = 0; ///< of the view, bytes
     quint64 m_lastStamp = 0;
     int m_nextSlot = 0;
+    int m_takenSlot = 0; ///< the one before, when it is being copied
     bool m_saidSkipped = false;
 };

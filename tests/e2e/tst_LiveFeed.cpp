@@ -63,7 +63,8 @@ public:
         m_isEnding = true;
         if (m_writer.joinable())
             m_writer.join();
-        m_program.waitForFinished();
+        if (!m_program.waitForFinished())
+            return QStringLiteral("it does not end");
         return QString::number(m_program.exitCode()) + QString::fromUtf8(m_program.readAll());
     }
 
@@ -72,7 +73,7 @@ private:
     {
         QImage picture = FrameCode::frame(m_size, m_number)
                              .convertToFormat(QImage::Format_RGBA8888);
-        const int pipe = ::open(m_pipe.toLocal8Bit(), O_WRONLY);
+        const int pipe = ::open(m_pipe.toLocal8Bit(), O_WRONLY | O_CLOEXEC);
         while (!m_isEnding) {
             FrameCode::draw(picture, m_number++);
             for (qsizetype done = 0; done < picture.sizeInBytes();) {

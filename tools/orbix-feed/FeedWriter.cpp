@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <limits>
@@ -202,9 +203,16 @@ QString FeedWriter::map()
     return {};
 }
 
+/// The new stamp before the pixels tells a reader that still copies the old ones.
 uchar *FeedWriter::nextFrame()
 {
-    return GuardedMemory::store(flag(m_nextSlot), 0) ? m_view + pixelOffset(m_nextSlot) : nullptr;
+    const quint64 stamp = qToLittleEndian(m_stamp + 1);
+    if (!GuardedMemory::store(flag(m_nextSlot), 0)
+        || !GuardedMemory::write(m_view + FeedFormat::recordOffset(m_nextSlot), &stamp,
+                                 sizeof(stamp)))
+        return nullptr;
+    std::atomic_thread_fence(std::memory_order_release);
+    return m_view + pixelOffset(m_nextSlot);
 }
 
 bool FeedWriter::publish()
