@@ -20,13 +20,17 @@ Q_LOGGING_CATEGORY(lcMedia, "orbix.media")
 constexpr auto kLookForBlock = 100ms;
 constexpr auto kLookForFirstFrame = 10ms;
 
-void *mapped(const char *name, quint32 *handle)
+/// The block as it is now; null if there is none, or none that has a header yet.
+uchar *mapped(const char *name, quint32 *handle)
 {
     *handle = OpenFileMappingA(FILE_MAP_ALL_ACCESS, false, name);
     void *view = *handle == 0 ? nullptr : MapViewOfFile(*handle, FILE_MAP_ALL_ACCESS, 0, 0, 0);
     if (!view)
         CloseHandle(*handle);
-    return view;
+    if (viewLength(view) >= FeedFormat::kRecords)
+        return static_cast<uchar *>(view);
+    UnmapViewOfFile(view);
+    return nullptr;
 }
 
 } // namespace
@@ -36,21 +40,17 @@ bool FeedReader::connectToWriter(const Pause &pause)
     bool saidRejected = false;
     while (!m_feedView) {
         quint32 handle = 0;
-        m_feedView = static_cast<uchar *>(mapped(m_name.constData(), &handle));
+        m_feedView = mapped(m_name.constData(), &handle);
         if (m_feedView) {
             m_length = static_cast<qint64>(viewLength(m_feedView));
-            if (m_length >= FeedFormat::kRecords) {
-                const quint32 stored = qToLittleEndian(handle);
-                GuardedMemory::write(m_feedView + FeedFormat::kReaderHandle, &stored,
-                                     sizeof(stored));
-            }
-            if (!hasVersionTag()) {
-                if (!saidRejected)
-                    qCWarning(lcMedia, "The shared memory %s is no live feed of version %s.",
-                              m_name.constData(), FeedFormat::kVersionTag);
-                saidRejected = true;
-                reject();
-            }
+            setWord(FeedFormat::kReaderHandle, handle);
+        }
+        if (m_feedView && !hasVersionTag()) {
+            if (!saidRejected)
+                qCWarning(lcMedia, "The shared memory %s is no live feed of version %s.",
+                          m_name.constData(), FeedFormat::kVersionTag);
+            saidRejected = true;
+            reject();
         }
         if (!m_feedView && !pause(kLookForBlock))
             return false;
@@ -61,31 +61,32 @@ bool FeedReader::connectToWriter(const Pause &pause)
 bool FeedReader::hasVersionTag() const
 {
     char tag[sizeof(FeedFormat::kVersionTag)] = {};
-    return m_length >= FeedFormat::kRecords && GuardedMemory::read(tag, m_feedView, sizeof(tag))
+    return GuardedMemory::read(tag, m_feedView, sizeof(tag))
         && std::memcmp(tag, FeedFormat::kVersionTag, sizeof(tag)) == 0;
 }
 
 /// What is closed is the handle that the writer names, whatever stands behind that number here.
 void FeedReader::reject()
 {
-    if (m_length >= FeedFormat::kRecords) {
-        const std::optional<quint32> owner = handleAt(FeedFormat::kOwnerHandle);
-        const quint32 rejected = qToLittleEndian(quint32(1));
-        GuardedMemory::write(m_feedView + FeedFormat::kReaderRejected, &rejected, sizeof(rejected));
-        UnmapViewOfFile(m_feedView);
-        CloseHandle(owner.value_or(0));
-    } else {
-        UnmapViewOfFile(m_feedView);
-    }
+    const quint32 owner = word(FeedFormat::kOwnerHandle);
+    setWord(FeedFormat::kReaderRejected, 1);
+    UnmapViewOfFile(m_feedView);
+    CloseHandle(owner);
     m_feedView = nullptr;
 }
 
-std::optional<quint32> FeedReader::handleAt(int offset) const
+/// Of the header; 0 if the block has been cut short.
+quint32 FeedReader::word(int offset) const
 {
-    quint32 handle = 0;
-    if (!GuardedMemory::read(&handle, m_feedView + offset, sizeof(handle)))
-        return std::nullopt;
-    return qFromLittleEndian(handle);
+    quint32 value = 0;
+    GuardedMemory::read(&value, m_feedView + offset, sizeof(value));
+    return qFromLittleEndian(value);
+}
+
+void FeedReader::setWord(int offset, quint32 value)
+{
+    value = qToLittleEndian(value);
+    GuardedMemory::write(m_feedView + offset, &value, sizeof(value));
 }
 
 std::optional<int> FeedReader::computePollInterval(const Pause &pause) const
@@ -182,8 +183,8 @@ void FeedReader::release()
 {
     if (!m_feedView)
         return;
-    const std::optional<quint32> handle = handleAt(FeedFormat::kReaderHandle);
+    const quint32 handle = word(FeedFormat::kReaderHandle);
     UnmapViewOfFile(m_feedView);
-    CloseHandle(handle.value_or(0));
+    CloseHandle(handle);
     m_feedView = nullptr;
 }

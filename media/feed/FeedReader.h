@@ -56,7 +56,8 @@ private:
     int slotCount() const;
     bool isReady(int slot) const;
     std::optional<FeedFormat::SharedFrameRecord> record(int slot) const;
-    std::optional<quint32> handleAt(int offset) const;
+    quint32 word(int offset) const;
+    void setWord(int offset, quint32 value);
     bool isUsable(const FeedFormat::SharedFrameRecord &frame) const;
 
     const QByteArray m_name;
