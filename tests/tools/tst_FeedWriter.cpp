@@ -14,7 +14,6 @@ namespace {
 
 const QSize kSize(4, 2);
 constexpr int kBytes = 32;
-const QByteArray kTag = "QXLT_Shared_Memory1.3";
 
 void writeFrame(FeedWriter &writer, char value)
 {
@@ -42,7 +41,7 @@ private slots:
         QCOMPARE(writer.open({kSize, 30000, 1001}), QString());
         for (const char value : {'a', 'b', 'c', 'd'})
             writeFrame(writer, value);
-        QCOMPARE(bytes(0, 22), kTag + '\0');
+        QCOMPARE(bytes(0, 22), m_tag + '\0');
         QCOMPARE(bytes(0x8C, 8).toHex(), QByteArray("0300000000000000"));
         for (int slot = 0; slot < 3; ++slot) {
             const int record = 0x94 + 56 * slot;
@@ -69,14 +68,14 @@ private slots:
             QTest::newRow(name) << tag << slotCount << stamp << length << wrong;
         };
         row("another version", "QXLT_Shared_Memory1.2", 3, 1, 4096, "no live feed");
-        row("tag goes on", kTag + '1', 3, 1, 4096, "no live feed");
-        row("ends in the header", kTag, 3, 1, 0x93, "no live feed");
-        row("no records", kTag, 0, 1, 4096, "too small");
-        row("65535 records", kTag, 65535, 1, 4096, "too small");
-        row("a byte short", kTag, 3, 1, 0x94 + 3 * 56 + 3 * kBytes - 1, "too small");
-        row("just large enough", kTag, 3, 1, 0x94 + 3 * 56 + 3 * kBytes, "");
-        row("highest stamp", kTag, 3, ~quint64(0), 4096, "used up");
-        row("not sized yet", kTag, 3, 0, 0, "");
+        row("tag goes on", m_tag + '1', 3, 1, 4096, "no live feed");
+        row("ends in the header", m_tag, 3, 1, 0x93, "no live feed");
+        row("no records", m_tag, 0, 1, 4096, "too small");
+        row("65535 records", m_tag, 65535, 1, 4096, "too small");
+        row("a byte short", m_tag, 3, 1, 0x94 + 3 * 56 + 3 * kBytes - 1, "too small");
+        row("just large enough", m_tag, 3, 1, 0x94 + 3 * 56 + 3 * kBytes, "");
+        row("highest stamp", m_tag, 3, ~quint64(0), 4096, "used up");
+        row("not sized yet", m_tag, 3, 0, 0, "");
     }
     void aBlockThatCannotBeUsedIsToldWithTheRemedy()
     {
@@ -99,7 +98,7 @@ private slots:
                                                 {{large, large + 3, 9, 8, 1}, 2},
                                                 {{0, 0, 0}, 0}};
         for (const auto &[stamps, slot] : rings) {
-            make(kTag, stamps.size(), stamps, 4096);
+            make(m_tag, stamps.size(), stamps, 4096);
             FeedWriter writer(m_name);
             QCOMPARE(writer.open({kSize}), QString());
             QVERIFY(!writer.takeRejection()); // of the writer before
@@ -115,7 +114,7 @@ private slots:
 
     void framesOfAnotherSizeAreRemarked()
     {
-        make(kTag, 3, {1, 2, 3}, 4096);
+        make(m_tag, 3, {1, 2, 3}, 4096);
         for (const bool isOther : {true, false}) {
             FeedWriter writer(m_name);
             QCOMPARE(writer.open({QSize(8, 2)}), QString());
@@ -231,9 +230,10 @@ private:
         qToLittleEndian(quint16(slotCount), all.data() + 0x8C);
         all[0x90] = 1;
         for (const quint64 stamp : stamps) {
-            QByteArray record = QByteArray(8, '\0')
-                + QByteArray::fromHex("0000000000000000000000000000000004000200")
-                      .leftJustified(48, '\1');
+            QByteArray record(56, '\0');
+            record[0x18] = 4;
+            record[0x1A] = 2;
+            record[0x30] = 1;
             qToLittleEndian(stamp, record.data());
             all += record;
         }
@@ -241,6 +241,7 @@ private:
         m_block.resize(length);
     }
 
+    const QByteArray m_tag = "QXLT_Shared_Memory1.3";
     const QByteArray m_name = "orbix-feed-" + QByteArray::number(qint64(::getpid()));
     QFile m_block{QString::fromLatin1("/dev/shm/" + m_name)};
 };

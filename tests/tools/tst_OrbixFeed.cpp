@@ -11,7 +11,6 @@ namespace {
 
 const QString kProgram = QStringLiteral(ORBIX_FEED);
 const QString kSmall = QStringLiteral("--size 4x2 --rate 1000");
-const QByteArray kFrame = QByteArray::fromHex("01020304").repeated(8);
 constexpr int kWaitMs = 20000;
 
 /// What the program said, once it has ended.
@@ -60,15 +59,15 @@ private slots:
             QTest::newRow(name) << arguments << input << pattern;
         };
         row("no size", "", {}, "Give the size");
-        row("too wide", "--size 16384x2", kFrame, "16383x65535");
-        row("no rate", "--size 4x2 --rate 0", kFrame, "\"0\" is no rate");
+        row("too wide", "--size 16384x2", m_frame, "16383x65535");
+        row("no rate", "--size 4x2 --rate 0", m_frame, "\"0\" is no rate");
         row("unknown option", "--sise 4x2", {}, "'sise'");
         row("no option", "4x2", {}, "\"4x2\"");
         row("nothing to remove", "--remove", {}, "There is no shared memory");
         row("remove and more", "--remove --size 4x2", {}, "no other option");
         row("empty input", "--size 4x2", {}, "input is empty");
-        row("short first frame", "--size 4x2", kFrame.left(31), "frame 1, after 31 of 32 bytes");
-        row("short input", "--size 4x2", kFrame + kFrame.left(5), "frame 2, after 5 of 32 bytes");
+        row("short first frame", "--size 4x2", m_frame.left(31), "frame 1, after 31 of 32 bytes");
+        row("short input", "--size 4x2", m_frame + m_frame.left(5), "frame 2, after 5 of 32 bytes");
     }
     void whatIsWrongIsSaid()
     {
@@ -93,12 +92,12 @@ private slots:
 
     void aSingleFrameIsThereTwiceAndTheNextWriterGoesOn()
     {
-        QCOMPARE(said(kSmall, kFrame, 0), QString());
+        QCOMPARE(said(kSmall, m_frame, 0), QString());
         const QByteArray block = bytes();
-        QCOMPARE(block.mid(block[0xA4 + 1] * 256 + uchar(block[0xA4]), 32), kFrame);
-        QCOMPARE(block.mid(block[0xDC + 1] * 256 + uchar(block[0xDC]), 32), kFrame);
+        QCOMPARE(block.mid(block[0xA4 + 1] * 256 + uchar(block[0xA4]), 32), m_frame);
+        QCOMPARE(block.mid(block[0xDC + 1] * 256 + uchar(block[0xDC]), 32), m_frame);
         QCOMPARE(stamps(), (QVector<int>{1, 2, 0}));
-        QCOMPARE(said(kSmall, kFrame + kFrame, 0), QString());
+        QCOMPARE(said(kSmall, m_frame + m_frame, 0), QString());
         QCOMPARE(stamps(), (QVector<int>{4, 5, 3}));
         QCOMPARE(said(QStringLiteral("--remove"), {}, 0), QString());
         QVERIFY(!m_block.exists());
@@ -109,7 +108,7 @@ private slots:
         QElapsedTimer time;
         time.start();
         const QString options = QStringLiteral("--size 4x2 --rate 20000/1001");
-        QCOMPARE(said(options, kFrame.repeated(10), 0), QString());
+        QCOMPARE(said(options, m_frame.repeated(10), 0), QString());
         QVERIFY(time.elapsed() >= 500); // 10 intervals of 50.05 ms, since the first goes out twice
     }
 
@@ -135,17 +134,17 @@ private slots:
 
     void whatOthersDoToTheBlockIsToldAtTheNextFrame()
     {
-        QCOMPARE(said(kSmall, kFrame, 0), QString());
+        QCOMPARE(said(kSmall, m_frame, 0), QString());
         QProcess program;
         program.start(kProgram, kSmall.split(QLatin1Char(' ')));
-        program.write(kFrame);
+        program.write(m_frame);
         QTRY_COMPARE_WITH_TIMEOUT(stamps(), (QVector<int>{4, 2, 3}), kWaitMs);
         QVERIFY(m_block.open(QIODevice::ReadWrite) && m_block.seek(0x90) && m_block.putChar(1));
         m_block.close();
-        program.write(kFrame);
+        program.write(m_frame);
         QTRY_COMPARE_WITH_TIMEOUT(stamps(), (QVector<int>{4, 5, 3}), kWaitMs);
         m_block.resize(0);
-        program.write(kFrame);
+        program.write(m_frame);
         const QString text = ended(program, 1);
         QVERIFY2(text.contains(QStringLiteral("A reader has rejected")), qPrintable(text));
         QVERIFY2(text.contains(QStringLiteral("cut the shared memory short")), qPrintable(text));
@@ -166,6 +165,7 @@ private:
         return {block[0x94], block[0x94 + 56], block[0x94 + 112]};
     }
 
+    const QByteArray m_frame = QByteArray::fromHex("01020304").repeated(8);
     QFile m_block{QStringLiteral("/dev/shm/QXLT_Shared_Memory")};
 };
 

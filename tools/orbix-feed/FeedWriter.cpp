@@ -37,8 +37,8 @@ QString sizeText(QSize size)
 
 } // namespace
 
-FeedWriter::FeedWriter(QByteArray name)
-    : m_path('/' + std::move(name))
+FeedWriter::FeedWriter(const QByteArray &name)
+    : m_path('/' + name)
 {}
 
 FeedWriter::~FeedWriter()

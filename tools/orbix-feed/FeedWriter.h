@@ -25,7 +25,7 @@ public:
         quint16 rateDenominator = 1;
     };
 
-    explicit FeedWriter(QByteArray name = FeedFormat::kName);
+    explicit FeedWriter(const QByteArray &name = FeedFormat::kName);
     ~FeedWriter();
     Q_DISABLE_COPY(FeedWriter)
 

@@ -118,7 +118,7 @@ private:
     /// By way of memory that nobody cuts short.
     bool repeat(const uchar *from)
     {
-        std::array<uchar, 0x10000> part;
+        std::array<uchar, 0x10000> part = {};
         uchar *const to = m_writer.nextFrame();
         for (qsizetype done = 0; done < m_bytes; done += qsizetype(part.size())) {
             const auto bytes = std::min(part.size(), std::size_t(m_bytes - done));
