@@ -54,6 +54,7 @@ private slots:
         }
         writer.nextFrame(); // its pixels change from here on
         QVERIFY(isReady(0) && !isReady(1));
+        QCOMPARE(number(0x94 + 56), quint64(5));
     }
 
     void aBlockThatCannotBeUsedIsToldWithTheRemedy_data()
@@ -90,12 +91,12 @@ private slots:
         QCOMPARE(said.contains(QStringLiteral("orbix-feed --remove")), !wrong.isEmpty());
     }
 
-    void aWriterGoesOnBehindTheNewestFrame()
+    void aWriterGoesOnWithTheNewestRecord()
     {
         const quint64 large = 1ull << 40;
-        const std::pair<Stamps, int> rings[] = {{{4, 5, 6}, 0},
-                                                {{7, 5, 6}, 1},
-                                                {{large, large + 3, 9, 8, 1}, 2},
+        const std::pair<Stamps, int> rings[] = {{{4, 5, 6}, 2},
+                                                {{7, 5, 6}, 0},
+                                                {{large, large + 3, 9, 8, 1}, 1},
                                                 {{0, 0, 0}, 0}};
         for (const auto &[stamps, slot] : rings) {
             make(m_tag, stamps.size(), stamps, 4096);
@@ -119,7 +120,9 @@ private slots:
             FeedWriter writer(m_name);
             QCOMPARE(writer.open({QSize(8, 2)}), QString());
             QCOMPARE(writer.remark().contains(QStringLiteral("4x2")), isOther);
-            writeFrame(writer, 'a');
+            QCOMPARE(writer.remark().isEmpty(), !isOther);
+            for (int i = 0; i < 3; ++i)
+                writeFrame(writer, 'a');
         }
     }
 

@@ -124,7 +124,8 @@ QString FeedWriter::create()
 }
 
 /// Readers keep the block, so its ring stays as it is. What its records tell of goes with the new
-/// areas: no reader is to take that.
+/// areas: no reader is to take that. The highest stamp may be that of a frame which its writer only
+/// began. So the ring goes on with that very record: readers wait for it, or for the one behind.
 QString FeedWriter::takeOver()
 {
     const QString remedy = QStringLiteral(
@@ -157,17 +158,19 @@ QString FeedWriter::takeOver()
         GuardedMemory::read(bytes, m_view + FeedFormat::recordOffset(slot), sizeof(bytes));
         GuardedMemory::store(flag(slot), 0);
         const SharedFrameRecord frame = FeedFormat::decode(bytes);
-        if (frame.frameStamp <= m_stamp)
-            continue;
-        m_stamp = frame.frameStamp;
-        m_nextSlot = (slot + 1) % m_slots;
-        sizeBefore = QSize(frame.frameWidth, frame.frameHeight);
+        const QSize size(frame.frameWidth, frame.frameHeight);
+        if (!size.isEmpty() && size != m_format.size)
+            sizeBefore = size;
+        if (frame.frameStamp > m_stamp) {
+            m_stamp = frame.frameStamp;
+            m_nextSlot = slot;
+        }
     }
     if (m_stamp > std::numeric_limits<quint64>::max() / 2)
         return QStringLiteral("The frames of the shared memory %1 have used up the stamps.")
                    .arg(QString::fromLatin1(m_path))
             + remedy;
-    if (m_stamp > 0 && sizeBefore != m_format.size)
+    if (!sizeBefore.isEmpty())
         m_remark = QStringLiteral("The frames before had %1 pixels. Players that run already will "
                                   "not show those of %2; start them anew.")
                        .arg(sizeText(sizeBefore), sizeText(m_format.size));
