@@ -23,15 +23,16 @@ struct sigaction before = {};
 /// As if the signal had come while the handler of before was installed.
 void passOn(int signal, siginfo_t *info, void *context)
 {
+    const bool isSent = info->si_code <= 0; // by a process, in place of a touch
     if (before.sa_flags & SA_SIGINFO) {
         before.sa_sigaction(signal, info, context);
     } else if (before.sa_handler != SIG_DFL && before.sa_handler != SIG_IGN) {
         before.sa_handler(signal);
-    } else {
+    } else if (before.sa_handler == SIG_DFL || !isSent) {
         // The instruction runs again, and meets the system's own handling.
         ::signal(signal, SIG_DFL);
-        if (info->si_code <= 0)
-            ::raise(signal); // another process sent it
+        if (isSent)
+            ::raise(signal);
     }
 }
 
@@ -43,13 +44,21 @@ void onBusError(int signal, siginfo_t *info, void *context)
     passOn(signal, info, context);
 }
 
-/// The signal stays deliverable while it is handled, since the handler may be left by a jump.
 bool install()
 {
     struct sigaction action = {};
     action.sa_sigaction = onBusError;
-    action.sa_flags = SA_SIGINFO | SA_NODEFER | SA_ONSTACK;
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK;
     return ::sigaction(SIGBUS, &action, &before) == 0;
+}
+
+/// As returning from the handler would have done.
+void unblock()
+{
+    sigset_t signals;
+    ::sigemptyset(&signals);
+    ::sigaddset(&signals, SIGBUS);
+    ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
 /// Runs `work`, which touches these bytes and holds nothing. False if they were taken away.
@@ -65,6 +74,7 @@ bool touch(const void *begin, std::size_t bytes, const Work &work)
     here.end = reinterpret_cast<std::uintptr_t>(begin) + bytes;
     if (sigsetjmp(here.way, 0) != 0) {
         current = nullptr;
+        unblock();
         return false;
     }
     current = &here;

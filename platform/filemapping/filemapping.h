@@ -11,7 +11,7 @@
 using HANDLE = std::uint32_t;
 
 /// Reading and writing, the one access that these functions give.
-constexpr std::uint32_t FILE_MAP_ALL_ACCESS = 0xF001F;
+constexpr std::uint32_t FILE_MAP_ALL_ACCESS = 0xF001F; // NOLINT(readability-identifier-naming)
 
 /// Opens the block "/`name`" of POSIX shared memory. 0 if there is none, it may not be read and
 /// written, or `access` is another. `inherit` has to be false.

@@ -136,7 +136,9 @@ void tst_FeedReader::rejectsAnotherVersionAndGoesOnLooking()
         block->setTag(row.tag);
         block->resize(row.bytes);
         FeedReader reader(block->name());
-        const auto replaceIfRejected = [&block, &row](int look) {
+        int looks = 0;
+        const auto replaceIfRejected = [&](int look) {
+            looks = look;
             const bool isRejected = row.bytes < 0x94
                 || (block->get<quint32>(0x90) == 1 && block->get<quint32>(0x84) != 0);
             if (look == 2) {
@@ -146,6 +148,7 @@ void tst_FeedReader::rejectsAnotherVersionAndGoesOnLooking()
             return isRejected && mappings() == 1 && look <= 2;
         };
         QVERIFY2(reader.connectToWriter(at(100ms, replaceIfRejected)), row.tag);
+        QCOMPARE(looks, 2);
         QVERIFY(block->get<quint32>(0x84) != 0);
         QCOMPARE(block->get<quint32>(0x90), 0U);
     }
@@ -165,7 +168,10 @@ void tst_FeedReader::anHourOfRejectionsHoldsNothingAndWarnsOnce()
     FeedReader reader(block.name());
     const int files = ProcessLevel::now().files;
     QVERIFY(!reader.connectToWriter(at(100ms, [&block](int look) {
-        block.put<quint32>(0x80, quint32(block.descriptor())); // is to be "closed"
+        const bool isEmpty = look % 2 != 0;
+        block.resize(isEmpty ? 0 : block.size());
+        if (!isEmpty)
+            block.put(0x80, quint32(block.descriptor())); // which is no handle of this process
         return look < 36000;
     })));
     qInstallMessageHandler(before);
@@ -206,29 +212,24 @@ void tst_FeedReader::takesTheFramesInTheOrderOfTheRing()
 
 void tst_FeedReader::staysAtAnOlderFrame()
 {
-    const struct
-    {
-        quint64 first;
-        quint64 second;
-        bool isTaken;
-    } rows[] = {{5, 4, false},
-                {5, 5, true},
-                {0xFFFFFFFF, 0x100000000, true},
-                {0x100000000, 0xFFFFFFFF, false},
-                {1, 0x8000000000000000, true},
-                {0x8000000000000000, 1, false}};
-    for (const auto &row : rows) {
+    const quint64 rows[][3] = {{5, 4, 0},
+                               {5, 5, 1},
+                               {0xFFFFFFFF, 0x100000000, 1},
+                               {0x100000000, 0xFFFFFFFF, 0},
+                               {1, 0x8000000000000000, 1},
+                               {0x8000000000000000, 1, 0}};
+    for (const auto &[first, second, isTaken] : rows) {
         Feed feed(3, {1, 1});
-        feed.write(0, row.first);
-        feed.write(1, row.second);
+        feed.write(0, first);
+        feed.write(1, second);
         feed.write(2, ~quint64(0));
         QVERIFY(feed.reader.takeFrame());
-        QCOMPARE(feed.reader.takeFrame().has_value(), row.isTaken);
-        QCOMPARE(feed.block.isReady(1), !row.isTaken);
-        if (row.isTaken)
+        QCOMPARE(feed.reader.takeFrame().has_value(), isTaken != 0);
+        QCOMPARE(feed.block.isReady(1), isTaken == 0);
+        if (isTaken != 0)
             continue;
         QVERIFY(!feed.reader.takeFrame());
-        feed.write(1, row.first);
+        feed.write(1, first);
         QVERIFY(feed.reader.takeFrame());
         QVERIFY(!feed.block.isReady(1) && feed.block.isReady(2));
     }
@@ -288,6 +289,13 @@ void tst_FeedReader::believesNoWrongSlotCount()
     feed.block.setSlotCount(1); // while the reader is at the second record
     feed.write(0, 4);
     QCOMPARE(feed.take(), qint64(4));
+
+    feed.block.resize(0x94 + 55); // no room for any, though memory goes on to the page's end
+    feed.write(0, 5);
+    FeedReader late(feed.block.name());
+    QVERIFY(late.connectToWriter(never));
+    QVERIFY(!late.computePollInterval(never));
+    QVERIFY(!late.takeFrame());
 }
 
 void tst_FeedReader::copiesLinesWithoutWhatStandsBetweenThem()
