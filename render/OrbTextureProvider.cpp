@@ -15,8 +15,11 @@ const QString kSharedMemory = QStringLiteral("application/sharedmemory");
 OrbTextureProvider::OrbTextureProvider(QQuickWindow *view, OrbSettingsManager *settings)
     : m_view(view)
 {
-    if (settings->seededValue(kSharedMemory, false).toBool())
+    if (settings->seededValue(kSharedMemory, false).toBool()) {
         m_liveFeed = std::make_unique<SharedMemoryManager>();
+        connect(m_liveFeed.get(), &SharedMemoryManager::frameArrived, this,
+                &OrbTextureProvider::contentsChanged);
+    }
     connect(view, &QQuickWindow::afterRendering, this, &OrbTextureProvider::onQsgTextureChanged,
             Qt::DirectConnection);
     listenForSynchronisation();
@@ -48,6 +51,7 @@ void OrbTextureProvider::frameArrived()
 {
     ++m_contents;
     m_framesAnnounced = true;
+    emit contentsChanged();
 }
 
 std::optional<int> OrbTextureProvider::contents() const

@@ -58,6 +58,9 @@ public:
 signals:
     void textureIdChanged();
 
+    /// There is a new frame to paint. Main thread.
+    void contentsChanged();
+
 public slots:
     void onBeforeSynchronizing();
     void onQsgTextureChanged();

@@ -50,6 +50,7 @@ void OrbixSightView::init(OrbShaderCodeBuilder *builder, OrbGlobalObject *state,
           &Builder::stereoModeChanged, &Builder::projectionSourceChanged,
           &Builder::rotationSourceChanged, &Builder::invertedColorsChanged})
         connect(builder, changed, this, &OrbixSightView::dirtyShader);
+    connect(textureProvider, &OrbTextureProvider::contentsChanged, this, [this] { update(); });
     setOpaquePainting(true); // from now on it covers its ground
     m_initialised = true;
 }

@@ -14,8 +14,8 @@
 #include <optional>
 
 /// The panorama in the window: one quad drawn with the generated shader, from whatever texture the
-/// provider names, a hundred times a second at most. A picture that would come out the same is not
-/// painted again, though it counts.
+/// provider names, a hundred times a second, and at once when the provider tells of a new frame. A
+/// picture that would come out the same is not painted again, though it counts.
 ///
 /// Threads: the item lives on the main thread; `updatePaintNode` and `paint` run on the render
 /// thread, own the program, the viewport, the frame counter and the picture that was painted, and

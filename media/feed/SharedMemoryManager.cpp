@@ -179,6 +179,7 @@ void SharedMemoryManager::createTexture(const SharedFrameRecord &frame)
     finish();
     ++m_contents;
     m_feedTexture = texture.release();
+    emit frameArrived();
 }
 
 void SharedMemoryManager::fillBuffer(const SharedFrameRecord &frame)
@@ -194,6 +195,7 @@ void SharedMemoryManager::fillBuffer(const SharedFrameRecord &frame)
         return;
     finish();
     m_writeIndex = 1 - m_writeIndex;
+    emit frameArrived();
 }
 
 void SharedMemoryManager::replaceTexture(const SharedFrameRecord &frame)
@@ -207,6 +209,7 @@ void SharedMemoryManager::replaceTexture(const SharedFrameRecord &frame)
     texture->release();
     finish();
     ++m_contents;
+    emit frameArrived();
 }
 
 void SharedMemoryManager::releaseFeed()

@@ -46,6 +46,10 @@ public:
     /// A number that changes with what the texture shows.
     int contents() const { return m_contents; }
 
+signals:
+    /// A frame waits to be shown. Emitted by the feed thread.
+    void frameArrived();
+
 public slots:
     /// FEED, its context current: brings the next frame on its way, if there is one.
     void checkTexture();

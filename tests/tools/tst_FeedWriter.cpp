@@ -106,7 +106,7 @@ private slots:
             for (int i = 0; i < stamps.size(); ++i)
                 QVERIFY(!isReady(i)); // its pixels may be gone
             writeFrame(writer, 'a');
-            QCOMPARE(int(bytes(0x8C, 1)[0]), stamps.size());
+            QCOMPARE(int(bytes(0x8C, 1).at(0)), stamps.size());
             QCOMPARE(number(0x94 + slot * 56),
                      *std::max_element(stamps.cbegin(), stamps.cend()) + 1);
             QVERIFY(isReady(slot));

@@ -182,7 +182,7 @@ int main(int argc, char *argv[])
         parser.showHelp();
     if (!parser.positionalArguments().isEmpty())
         return fail(
-            QStringLiteral("\"%1\" is no option.").arg(parser.positionalArguments().first()));
+            QStringLiteral("\"%1\" is no option.").arg(parser.positionalArguments().constFirst()));
     if (parser.isSet(removeOption)) {
         if (parser.optionNames().size() > 1)
             return fail(QStringLiteral("--remove goes with no other option."));
