@@ -14,7 +14,7 @@ struct Touch
 {
     std::uintptr_t begin = 0; ///< of the first page
     std::uintptr_t end = 0;
-    sigjmp_buf way; ///< out of it
+    sigjmp_buf way = {}; ///< out of it
 };
 
 thread_local Touch *current = nullptr;

@@ -82,14 +82,14 @@ std::size_t viewLength(const void *view)
     return found == all.lengths.end() ? 0 : found->second;
 }
 
-bool UnmapViewOfFile(const void *view)
+bool UnmapViewOfFile(void *view)
 {
     Table &all = table();
     const std::lock_guard lock(all.lock);
     const auto found = all.lengths.find(view);
     if (found == all.lengths.end())
         return false;
-    ::munmap(const_cast<void *>(view), found->second);
+    ::munmap(view, found->second);
     all.lengths.erase(found);
     return true;
 }

@@ -30,7 +30,7 @@ void *MapViewOfFile(HANDLE mapping, std::uint32_t access, std::uint32_t offsetHi
 std::size_t viewLength(const void *view);
 
 /// False for what is no view.
-bool UnmapViewOfFile(const void *view);
+bool UnmapViewOfFile(void *view);
 
 /// False, and nothing happens, for a number that stands for nothing.
 bool CloseHandle(HANDLE handle);

@@ -158,7 +158,7 @@ QString tst_LiveFeed::watch(int first, int seconds, int *seen)
     *seen = 0;
     QElapsedTimer time;
     time.start();
-    while (!time.hasExpired(seconds * 1000)) {
+    while (!time.hasExpired(qint64(seconds) * 1000)) {
         QTest::qWait(10);
         const QImage screen = grab();
         const int now = FrameCode::read(screen).value_or(-1);

@@ -200,12 +200,13 @@ void tst_FeedReader::takesTheFramesInTheOrderOfTheRing()
 {
     Feed feed(3, {2, 2});
     for (int stamp = 0; stamp < 20; stamp += 2) {
-        feed.write((stamp + 1) % 3, quint64(stamp + 1));
+        const int next = stamp + 1;
+        feed.write(next % 3, quint64(next));
         feed.write(stamp % 3, quint64(stamp));
         QCOMPARE(feed.take(), qint64(stamp));
-        QVERIFY(!feed.block.isReady(stamp % 3) && feed.block.isReady((stamp + 1) % 3));
-        QCOMPARE(feed.take(), qint64(stamp + 1));
-        QVERIFY(!feed.block.isReady((stamp + 1) % 3));
+        QVERIFY(!feed.block.isReady(stamp % 3) && feed.block.isReady(next % 3));
+        QCOMPARE(feed.take(), qint64(next));
+        QVERIFY(!feed.block.isReady(next % 3));
         QVERIFY(!feed.reader.takeFrame());
     }
 }
@@ -359,7 +360,7 @@ void tst_FeedReader::survivesGarbage()
     const QByteArray noise = garbage(100000);
     int taken = 0;
     for (int round = 0; round < 3000; ++round) {
-        const char *next = noise.constData() + round * 29;
+        const char *next = noise.constData() + qsizetype(round) * 29;
         for (int at = 0x80; at < 0x94 + kCount * 56; ++at, ++next) // half of them zeros
             block.put(at, uchar(next[0] & 1 ? next[1] : 0));
         for (int slot = 0; slot < kCount; ++slot) { // all are looked at

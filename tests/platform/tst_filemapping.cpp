@@ -155,7 +155,7 @@ void tst_filemapping::aViewIsTheBlockItself()
     QCOMPARE(other[kPage], uchar('a'));
     other[0] = 'b';
     QCOMPARE(view[0], 'b');
-    for (const void *noView : {static_cast<void *>(other), static_cast<void *>(view + kPage)})
+    for (void *noView : {static_cast<void *>(other), static_cast<void *>(view + kPage)})
         QVERIFY(!UnmapViewOfFile(noView));
     QCOMPARE(block.mappings(), mappings + 1);
     QVERIFY(UnmapViewOfFile(view));
