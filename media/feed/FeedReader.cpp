@@ -187,4 +187,6 @@ void FeedReader::release()
     UnmapViewOfFile(m_feedView);
     CloseHandle(handle);
     m_feedView = nullptr;
+    m_lastStamp = 0;
+    m_nextSlot = 0;
 }

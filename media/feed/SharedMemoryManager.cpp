@@ -139,12 +139,17 @@ bool SharedMemoryManager::hasSizeOfFeed(const SharedFrameRecord &frame)
         QOpenGLContext::currentContext()->functions()->glGetIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
         isRight = std::max(frame.frameWidth, frame.frameHeight) <= largest;
     }
-    if (!isRight && !m_saidSize)
-        qCWarning(lcMedia, "The live feed holds frames of %dx%d pixels, which are not shown: %s.",
-                  frame.frameWidth, frame.frameHeight,
-                  m_feedTexture ? "it began with another size" : "no texture is that large");
-    m_saidSize = m_saidSize || !isRight;
+    if (!isRight)
+        warnOnce(frame, m_feedTexture ? "it began with another size" : "no texture is that large");
     return isRight;
+}
+
+void SharedMemoryManager::warnOnce(const SharedFrameRecord &frame, const char *reason)
+{
+    if (!m_hasWarned)
+        qCWarning(lcMedia, "The live feed holds frames of %dx%d pixels, which are not shown: %s.",
+                  frame.frameWidth, frame.frameHeight, reason);
+    m_hasWarned = true;
 }
 
 void SharedMemoryManager::createBuffers(qsizetype bytes)
@@ -173,8 +178,10 @@ void SharedMemoryManager::createTexture(const SharedFrameRecord &frame)
     if (m_feedFunctions && m_feedBuffers[0] == 0)
         createBuffers(pixelBytes(frame));
     auto texture = std::make_unique<QOpenGLTexture>(image, QOpenGLTexture::DontGenerateMipMaps);
-    if (!texture->isStorageAllocated())
+    if (!texture->isStorageAllocated()) {
+        warnOnce(frame, "OpenGL has no room for them");
         return;
+    }
     texture->setMinMagFilters(QOpenGLTexture::Linear, QOpenGLTexture::Linear);
     finish();
     ++m_contents;
@@ -191,6 +198,8 @@ void SharedMemoryManager::fillBuffer(const SharedFrameRecord &frame)
     const bool isCopied = pixels && m_reader.copyPixels(frame, static_cast<uchar *>(pixels));
     const bool isKept = pixels && m_feedFunctions->glUnmapBuffer(GL_PIXEL_UNPACK_BUFFER);
     m_feedFunctions->glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+    if (!pixels)
+        warnOnce(frame, "OpenGL has no room for them");
     if (!isCopied || !isKept)
         return;
     finish();

@@ -63,6 +63,7 @@ private:
     void fetchFunctions();
     void createBuffers(qsizetype bytes);
     bool hasSizeOfFeed(const FeedFormat::SharedFrameRecord &frame);
+    void warnOnce(const FeedFormat::SharedFrameRecord &frame, const char *reason);
     QImage copied(const FeedFormat::SharedFrameRecord &frame) const;
     void createTexture(const FeedFormat::SharedFrameRecord &frame);
     void fillBuffer(const FeedFormat::SharedFrameRecord &frame);
@@ -83,5 +84,5 @@ private:
     int m_consumedToggle = 1;           ///< of the render thread
     std::atomic<int> m_transferred{-1}; ///< the buffer that the render thread reads, -1 for none
     std::atomic<int> m_contents{0};
-    bool m_saidSize = false; ///< FEED
+    bool m_hasWarned = false; ///< FEED
 };

@@ -61,12 +61,18 @@ void unblock()
     ::pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
 }
 
+/// Once in a process, or the handler of before would be our own.
+bool isInstalled()
+{
+    static const bool result = install();
+    return result;
+}
+
 /// Runs `work`, which touches these bytes and holds nothing. False if they were taken away.
 template <typename Work>
 bool touch(const void *begin, std::size_t bytes, const Work &work)
 {
-    static const bool isInstalled = install();
-    if (!isInstalled)
+    if (!isInstalled())
         return false;
     static const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
     Touch here;

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// Named blocks of memory that processes share, under the names of the platform where the live feed
-// began, on POSIX shared memory. All functions may be called on any thread.
+// Named blocks of memory that processes share: POSIX shared memory under the names of Windows' file
+// mappings. All functions may be called on any thread.
 
 /// A number of this process for an object that was opened; 0 is none. It is no file descriptor, so
 /// a number that came from another process does no harm: nothing stands behind it.

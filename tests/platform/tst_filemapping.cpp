@@ -60,7 +60,8 @@ char *map(HANDLE handle)
     }
     ::sigaction(SIGBUS, &action, nullptr);
     char here = 0;
-    if (!GuardedMemory::read(&here, gone - 1, 1) || GuardedMemory::read(&here, gone, 1))
+    if (!GuardedMemory::write(gone - 1, &here, 1) || !GuardedMemory::store(gone - 2, 1)
+        || !GuardedMemory::load(gone - 2) || GuardedMemory::read(&here, gone, 1))
         ::_exit(2);
     if (isWithinGuard)
         GuardedMemory::read(gone, &here, 1); // where it is copied to is not guarded
@@ -129,15 +130,19 @@ void tst_filemapping::whatIsNoBlockIsNotMapped()
                                           : what + QByteArray::number(::getpid());
         const QByteArray path = "/dev/shm/" + name;
         if (mode != 0)
-            QCOMPARE(S_ISDIR(mode) ? ::mkdir(path, 0700) : ::mknod(path, mode, 0), 0);
-        QVERIFY(mode == 0 || ::chmod(path, mode & 0777) == 0);
+            QCOMPARE(S_ISDIR(mode) ? ::mkdir(path, 0700) : ::mknod(path, (mode & S_IFMT) | 0600, 0),
+                     0);
+        const auto removal = qScopeGuard([&path, mode = mode] {
+            if (mode != 0)
+                ::remove(path);
+        });
         QVERIFY(bytes == 0 || ::truncate(path, bytes) == 0);
+        QVERIFY(mode == 0 || ::chmod(path, mode & 0777) == 0);
         QVERIFY(user != 0 || ::seteuid(65534) == 0); // root may open all
         const HANDLE handle = openBlock(name);
         QCOMPARE(::seteuid(user), 0);
         const bool isMapped = map(handle);
         CloseHandle(handle);
-        QVERIFY(mode == 0 || ::remove(path) == 0);
         QVERIFY2(!isMapped, what);
     }
     QCOMPARE(ProcessLevel::now().files, files);
