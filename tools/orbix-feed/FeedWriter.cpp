@@ -249,6 +249,12 @@ bool FeedWriter::takeRejection()
     return !std::exchange(m_isFirstRejection, false);
 }
 
+bool FeedWriter::isRemoved() const
+{
+    struct stat status = {};
+    return ::fstat(m_descriptor, &status) == 0 && status.st_nlink == 0;
+}
+
 QString FeedWriter::remove(const QByteArray &name)
 {
     const QByteArray path = '/' + name;

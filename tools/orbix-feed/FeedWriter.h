@@ -52,6 +52,9 @@ public:
     /// was anything to read.
     bool takeRejection();
 
+    /// Whether the block has been removed, so that only those see its frames who have it.
+    bool isRemoved() const;
+
     /// Removes the block of this name; programs that have it keep it. Returns what was wrong, as a
     /// sentence for the user; empty if nothing was.
     static QString remove(const QByteArray &name = FeedFormat::kName);

@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -43,6 +44,13 @@ void openClosedStreams()
     ::close(descriptor);
 }
 
+/// Waits until standard input has something to read, or an end.
+void waitForInput()
+{
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    ::poll(&input, 1, -1);
+}
+
 /// Takes frames from standard input to the block.
 class Feed
 {
@@ -67,7 +75,9 @@ public:
             if (came < m_bytes)
                 return error == EFAULT ? cutShort : missing(came, error);
             ++m_frames;
-            if (!publish() || (m_frames == 1 && !repeat(to)))
+            std::this_thread::sleep_until(m_pace.due(FeedPace::Clock::now()));
+            tellOfOthers();
+            if (!m_writer.publish() || (m_frames == 1 && !repeat(to)))
                 return cutShort;
         }
     }
@@ -80,7 +90,9 @@ private:
         qsizetype done = 0;
         while (done < m_bytes) {
             const ssize_t came = ::read(STDIN_FILENO, to + done, std::size_t(m_bytes - done));
-            if (came < 0 && errno == EINTR)
+            if (came < 0 && errno == EAGAIN)
+                waitForInput();
+            if (came < 0 && (errno == EAGAIN || errno == EINTR))
                 continue;
             if (came == 0)
                 errno = 0;
@@ -104,15 +116,18 @@ private:
             .arg(m_bytes);
     }
 
-    bool publish()
+    void tellOfOthers()
     {
-        std::this_thread::sleep_until(m_pace.due(FeedPace::Clock::now()));
         const auto now = FeedPace::Clock::now();
         if (m_writer.takeRejection() && now >= m_silentUntil) {
             say(QStringLiteral("A reader has rejected the feed: it knows another version of it."));
             m_silentUntil = now + kBetweenRejections;
         }
-        return m_writer.publish();
+        if (!m_hasToldRemoval && m_writer.isRemoved()) {
+            say(QStringLiteral("The shared memory has been removed: players that are started from "
+                               "now on will not see this feed."));
+            m_hasToldRemoval = true;
+        }
     }
 
     /// By way of memory that nobody cuts short.
@@ -126,7 +141,7 @@ private:
                 || !GuardedMemory::write(to + done, part.data(), bytes))
                 return false;
         }
-        return publish();
+        return m_writer.publish();
     }
 
     FeedWriter &m_writer;
@@ -134,6 +149,7 @@ private:
     FeedPace m_pace;
     qint64 m_frames = 0;                                  ///< that the input gave
     FeedPace::Time m_silentUntil = FeedPace::Time::min(); ///< about rejections
+    bool m_hasToldRemoval = false;
 };
 
 int feed(const FeedWriter::Format &format)
