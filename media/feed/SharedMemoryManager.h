@@ -25,7 +25,7 @@ class SharedMemoryThread;
 /// these calls until that context goes or this object does, whichever is first. Between the two
 /// stand atomics and no lock: the render thread sees neither texture nor buffers before the texture
 /// is stored, `writeIndex` and `consumedToggle` tell it of a filled buffer, and `transferred` keeps
-/// the feed thread from a buffer that is being read.
+/// the feed thread from a buffer that the render thread is handing to OpenGL.
 class SharedMemoryManager : public QObject
 {
     Q_OBJECT
@@ -75,8 +75,8 @@ private:
     QOffscreenSurface m_surface; ///< for the context of the feed thread
     std::unique_ptr<SharedMemoryThread> m_thread;
 
-    QOpenGLFunctions_3_2_Core *m_feedFunctions =
-        nullptr; ///< of the feed's context; null: it has none
+    /// Of the feed's context; null if it has none.
+    QOpenGLFunctions_3_2_Core *m_feedFunctions = nullptr;
     GLuint m_feedBuffers[2] = {};
     std::atomic<QOpenGLTexture *> m_feedTexture{nullptr};
 
