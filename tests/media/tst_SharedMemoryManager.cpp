@@ -144,9 +144,11 @@ QImage tst_SharedMemoryManager::publishPicture()
 {
     const FeedBlock::Record record = next();
     const QImage image = picture(m_published);
-    for (int y = 0; y < image.height(); ++y)
-        std::memcpy(m_block->pixels(slot()) + y * (4 * image.width() + m_padding),
-                    image.constScanLine(y), std::size_t(4 * image.width()));
+    uchar *line = m_block->pixels(slot());
+    for (int y = 0; y < image.height(); ++y) {
+        std::memcpy(line, image.constScanLine(y), std::size_t(image.bytesPerLine()));
+        line += image.bytesPerLine() + m_padding;
+    }
     publish(record);
     return image;
 }
