@@ -2,6 +2,8 @@
 
 #include "Median.h"
 
+#include <QCoreApplication>
+
 #include <cstdio>
 
 namespace {
@@ -31,6 +33,13 @@ std::optional<double> AimTable::value(const QString &measure, const QString &sub
 {
     const auto values = m_values.value(key(measure, subject));
     return values.empty() ? std::nullopt : std::optional<double>(median(values));
+}
+
+int AimTable::repetitions()
+{
+    const QStringList options = QCoreApplication::arguments().filter(
+        QStringLiteral("--benchmark_repetitions="));
+    return options.isEmpty() ? 3 : options.last().section(QLatin1Char('='), 1).toInt();
 }
 
 void AimTable::printHead()

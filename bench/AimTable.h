@@ -29,6 +29,10 @@ public:
     /// Values of `subject` could not be had, and why.
     void fail(const QString &subject, const QString &reason) { m_failures[subject] = reason; }
 
+    /// How often each value is to be taken: N of the program's last --benchmark_repetitions=N, else
+    /// 3.
+    static int repetitions();
+
     static void printHead();
 
     /// Prints a row with the median of `subject` against that of `peer`, which may be empty. What

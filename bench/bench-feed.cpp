@@ -234,11 +234,7 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "There is a live feed already, %s.\n", FeedFormat::kName);
         return 1;
     }
-    int repetitions = 3;
-    const QStringList options = QGuiApplication::arguments().filter(
-        QStringLiteral("--benchmark_repetitions="));
-    if (!options.isEmpty())
-        repetitions = options.last().section(QLatin1Char('='), 1).toInt();
+    const int repetitions = AimTable::repetitions();
 
     const QTemporaryDir home;
     for (const char *variable : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME"})

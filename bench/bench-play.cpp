@@ -248,11 +248,7 @@ int main(int argc, char **argv)
         return 1;
     }
     const QGuiApplication application(argc, argv);
-    int repetitions = 3;
-    const QStringList options = QGuiApplication::arguments().filter(
-        QStringLiteral("--benchmark_repetitions="));
-    if (!options.isEmpty())
-        repetitions = options.last().section(QLatin1Char('='), 1).toInt();
+    const int repetitions = AimTable::repetitions();
 
     const QTemporaryDir folder;
     QFile::setPermissions(folder.path(),

@@ -8,10 +8,9 @@
 /// bytes; docs/live-feed.md describes it for writers. Pure.
 namespace FeedFormat {
 
-constexpr char kName[] = "QXLT_Shared_Memory"; ///< of the block, "/" before it with POSIX
-constexpr char kVersionTag[] = "QXLT_Shared_Memory1.3";
+constexpr char kName[] = "QXLT_Shared_Memory";          ///< of the block, "/" before it with POSIX
+constexpr char kVersionTag[] = "QXLT_Shared_Memory1.3"; ///< at 0, ended by a zero
 
-constexpr int kVersionTagBytes = 128; ///< at 0, ended by a zero
 constexpr int kOwnerHandle = 0x80;    ///< u32
 constexpr int kReaderHandle = 0x84;   ///< u32
 constexpr int kSlotCount = 0x8C;      ///< u16, records in the ring

@@ -81,7 +81,6 @@ private slots:
     void whatIsNoBlockIsNotMapped();
     void aViewIsTheBlockItself();
     void onlyTheNumbersOfHandlesAreClosed();
-    void anHourOfViewsHoldsNothing();
     void memoryThatWasTakenAwayIsNeitherReadNorWritten();
     void memoryMayGoWhileItIsCopied();
 };
@@ -182,17 +181,6 @@ void tst_filemapping::onlyTheNumbersOfHandlesAreClosed()
     const HANDLE later = openBlock(block.name());
     QVERIFY(later != opened && CloseHandle(later));
     QVERIFY(UnmapViewOfFile(view));
-}
-
-void tst_filemapping::anHourOfViewsHoldsNothing()
-{
-    const Block block(kPage);
-    const QByteArray name = block.name();
-    const int files = ProcessLevel::now().files;
-    for (int i = 0; i < 36000; ++i)
-        QVERIFY(UnmapViewOfFile(map(openBlock(name))));
-    QCOMPARE(ProcessLevel::now().files, files);
-    QCOMPARE(block.mappings(), 0);
 }
 
 void tst_filemapping::memoryThatWasTakenAwayIsNeitherReadNorWritten()
