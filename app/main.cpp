@@ -1,8 +1,10 @@
 #include "Application.h"
 
 #include "CrashHandler.h"
+#include "CrashOnPurpose.h"
 #include "OrbGlobalObject.h"
 #include "OrbImageLibrary.h"
+#include "OrbQQuickView.h"
 #include "OrbSettingsManager.h"
 #include "OrbTools.h"
 #include "Product.h"
@@ -37,6 +39,9 @@ void installCrashHandler()
     configuration.version = Product::version();
     configuration.applicationName = Product::displayName();
     configuration.dumpFolder = QDir::tempPath();
+    // Empty where TMPDIR names no folder. The reporter tells the user so.
+    if (configuration.dumpFolder.isEmpty())
+        configuration.dumpFolder = qEnvironmentVariable("TMPDIR");
     CrashHandler::install(configuration);
 }
 
@@ -57,6 +62,9 @@ int run(int argc, char **argv)
     OrbTools::start();
     OrbImageLibrary::start();
     application->setUp(&g_settings, startFolder);
+#ifdef ORBIX_CRASH_ON_PURPOSE
+    CrashOnPurpose::arm(application->view());
+#endif
     const int result = QApplication::exec();
     application->cleanUp();
     OrbImageLibrary::stop();

@@ -60,7 +60,7 @@ void OrbixSightView::dirtyShader()
     m_shaderDirty = true;
 }
 
-QSGNode *OrbixSightView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data)
+QSGNode *OrbixSightView::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data) noexcept
 {
     if (oldNode && m_initialised && !m_shaderDirty && m_painted) {
         const std::optional<Picture> picture = currentPicture();
@@ -82,7 +82,7 @@ std::optional<OrbixSightView::Picture> OrbixSightView::currentPicture() const
                    *contents};
 }
 
-void OrbixSightView::paint(QPainter *painter)
+void OrbixSightView::paint(QPainter *painter) noexcept
 {
     if (!m_initialised)
         return;

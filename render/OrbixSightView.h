@@ -21,7 +21,8 @@
 /// thread, own the program, the viewport, the frame counter and the picture that was painted, and
 /// read the view state and the builder, the latter without a lock. The
 /// program is deleted on the render thread, when the window drops its OpenGL resources or the item
-/// leaves it.
+/// leaves it. Both let no exception out: past them Qt would catch it, and a crash report would not
+/// hold its place.
 class OrbixSightView : public QQuickPaintedItem
 {
     Q_OBJECT
@@ -38,7 +39,7 @@ public:
     /// Frames painted in the last whole second.
     int fps() const { return m_fps; }
 
-    void paint(QPainter *painter) override;
+    void paint(QPainter *painter) noexcept override;
 
 signals:
     void fpsChanged();
@@ -48,7 +49,7 @@ public slots:
     void dirtyShader();
 
 protected:
-    QSGNode *updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data) override;
+    QSGNode *updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data) noexcept override;
     void itemChange(ItemChange change, const ItemChangeData &data) override;
     void releaseResources() override;
 

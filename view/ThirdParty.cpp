@@ -41,6 +41,10 @@ constexpr Notice kNotices[] = {
      "Copyright (c) 2005-2022 Intel Corporation.\n"
      "Licensed under the Apache License, version 2.0.\n"
      "Its text stands in /usr/share/common-licenses/Apache-2.0."},
+    {"Breakpad ",
+     "Copyright 2006 Google LLC, and others for parts of it.\n"
+     "Licensed under a BSD licence of three clauses. Its text stands in LICENSE of its sources,\n"
+     "https://chromium.googlesource.com/breakpad/breakpad."},
     {"Table of cameras ",
      "From the camera collection of the lensfun project, by its contributors; changed.\n"
      "Licensed under Creative Commons Attribution-ShareAlike 3.0."},

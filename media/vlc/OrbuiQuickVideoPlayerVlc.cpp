@@ -459,7 +459,8 @@ void OrbuiQuickVideoPlayerVlc::resizeToFrame()
 
 // --- drawing: render thread ---
 
-QSGNode *OrbuiQuickVideoPlayerVlc::updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data)
+QSGNode *OrbuiQuickVideoPlayerVlc::updatePaintNode(QSGNode *oldNode,
+                                                   UpdatePaintNodeData *data) noexcept
 {
     QOpenGLContext *context = QOpenGLContext::currentContext();
     if (context && !m_upload.isStarted())
@@ -467,7 +468,7 @@ QSGNode *OrbuiQuickVideoPlayerVlc::updatePaintNode(QSGNode *oldNode, UpdatePaint
     return QQuickPaintedItem::updatePaintNode(oldNode, data);
 }
 
-void OrbuiQuickVideoPlayerVlc::paint(QPainter *painter)
+void OrbuiQuickVideoPlayerVlc::paint(QPainter *painter) noexcept
 {
     if (m_upload.route() == RouteQueuedPaint) {
         painter->beginNativePainting();

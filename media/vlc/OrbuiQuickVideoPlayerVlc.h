@@ -24,8 +24,9 @@ struct libvlc_media_t;
 /// Threads: it lives on the main thread, where the scene sets properties and calls methods, and
 /// where all its signals are sent. libVLC's video thread runs the format, cleanup, lock, unlock and
 /// display callbacks, which touch `m_upload` and `m_frames` alone; libVLC's other threads run
-/// `eventCallback`, which posts what came. The render thread runs `updatePaintNode` and `paint`.
-/// The destructor ends libVLC's threads before anything that they touch goes away.
+/// `eventCallback`, which posts what came. The render thread runs `updatePaintNode` and `paint`,
+/// which let no exception out: past them Qt would catch it, and a crash report would not hold its
+/// place. The destructor ends libVLC's threads before anything that they touch goes away.
 class OrbuiQuickVideoPlayerVlc : public QQuickPaintedItem
 {
     Q_OBJECT
@@ -102,7 +103,7 @@ public:
     /// Goes to `offset` milliseconds from the start.
     Q_INVOKABLE void seek(int offset);
 
-    void paint(QPainter *painter) override;
+    void paint(QPainter *painter) noexcept override;
 
 public slots:
     void onError() {}
@@ -130,7 +131,7 @@ signals:
     void textureTransferChanged();
 
 protected:
-    QSGNode *updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data) override;
+    QSGNode *updatePaintNode(QSGNode *oldNode, UpdatePaintNodeData *data) noexcept override;
 
 private:
     /// What libVLC reported, copied on its thread.

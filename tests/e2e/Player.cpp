@@ -27,7 +27,8 @@ QByteArray content(const QString &path)
 } // namespace
 
 Player::Player()
-    : m_environment(QProcessEnvironment::systemEnvironment())
+    : m_program(QStringLiteral(PLAYER))
+    , m_environment(QProcessEnvironment::systemEnvironment())
 {
     for (const char *name : {"config", "runtime"})
         QDir(m_files.path()).mkdir(QLatin1String(name));
@@ -55,7 +56,7 @@ void Player::start(const QStringList &arguments, const QString &folder)
 {
     m_process.setProcessEnvironment(m_environment);
     m_process.setWorkingDirectory(folder);
-    const QStringList command = m_starter + QStringList(QStringLiteral(PLAYER)) + arguments;
+    const QStringList command = m_starter + QStringList(m_program) + arguments;
     m_process.start(command.first(), command.mid(1));
 }
 
@@ -125,6 +126,11 @@ void Player::order(const QByteArray &line)
 void Player::open(const QString &text)
 {
     order("open " + text.toUtf8());
+}
+
+void Player::raise(int signal)
+{
+    kill(static_cast<pid_t>(m_process.processId()), signal);
 }
 
 void Player::exit(int code)

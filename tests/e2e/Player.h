@@ -20,6 +20,9 @@ public:
     /// Has the program started by another that takes the command behind its own arguments.
     void startBy(const QStringList &command) { m_starter = command; }
 
+    /// Another copy of the program than the one beside the tests.
+    void setProgram(const QString &path) { m_program = path; }
+
     /// Starts the program in `folder`; empty: where the test runs.
     void start(const QStringList &arguments, const QString &folder = QString());
 
@@ -52,6 +55,9 @@ public:
     /// Another command of the driver without an answer, such as "place 0 0 640 360".
     void order(const QByteArray &line);
 
+    /// Sends the process this signal.
+    void raise(int signal);
+
     /// Ends the event loop with this code.
     void exit(int code);
 
@@ -74,6 +80,7 @@ private:
     QString settingsFile() const;
 
     QTemporaryDir m_files;
+    QString m_program;
     QProcessEnvironment m_environment;
     QStringList m_starter;
     QProcess m_process;

@@ -8,7 +8,7 @@ bool WatchedView::waitForPaint()
     return QTest::qWaitFor([this, next] { return m_done > next; });
 }
 
-void WatchedView::paint(QPainter *painter)
+void WatchedView::paint(QPainter *painter) noexcept
 {
     const int number = m_begun++;
     OrbixSightView::paint(painter);

@@ -25,7 +25,7 @@ public:
     /// Waits until a paint is done that began after this call; false after five seconds without.
     bool waitForPaint();
 
-    void paint(QPainter *painter) override;
+    void paint(QPainter *painter) noexcept override;
 
 private:
     std::atomic<int> m_begun{0};

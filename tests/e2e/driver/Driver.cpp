@@ -184,7 +184,7 @@ void Driver::readCommands()
 
 void Driver::obey(const QByteArray &command)
 {
-    for (const char *word : {"place", "drag", "key"}) {
+    for (const char *word : {"place", "drag", "key", "dump"}) {
         if (!m_window && command.startsWith(word))
             qFatal("The driver cannot %s before the window is shown", word);
     }
@@ -208,6 +208,8 @@ void Driver::obey(const QByteArray &command)
         camera()->setProperty("yaw", angles[0]);
         camera()->setProperty("pitch", angles[1]);
         camera()->setProperty("roll", angles[2]);
+    } else if (command == "dump") {
+        QMetaObject::invokeMethod(m_window, "OnMiniDump");
     } else if (command.startsWith("find ")) {
         answer(placeOf(QString::fromUtf8(command.mid(5))));
     } else if (command == "state") {

@@ -20,8 +20,9 @@
 /// or an address as the dialog for it does, "find NAME" answers where on the screen the middle of
 /// what has this accessible name is, "place X Y WIDTH HEIGHT" puts the window there on the screen,
 /// "drag X Y DX DY" drags the mouse over it from a place in it, "key KEYS", such as "key Ctrl+Up",
-/// presses keys in it, "turn YAW PITCH ROLL" turns the camera to these radians, "close" closes it,
-/// and "exit N" ends the event loop with N.
+/// presses keys in it, "turn YAW PITCH ROLL" turns the camera to these radians, "dump" asks the
+/// window for a report of the running program, "close" closes it, and "exit N" ends the event loop
+/// with N.
 ///
 /// Main thread.
 class Driver : public QObject

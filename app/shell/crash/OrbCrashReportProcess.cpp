@@ -1,0 +1,105 @@
+#include "OrbCrashReportProcess.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <linux/close_range.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+namespace {
+
+constexpr int kIdArgument = 6; ///< counted from 0
+
+/// As fork(), without what libraries do at a fork: they take locks that a crash may have left
+/// taken.
+pid_t forkWithoutHandlers()
+{
+    return static_cast<pid_t>(::syscall(SYS_clone, SIGCHLD, nullptr, nullptr, nullptr, nullptr));
+}
+
+void say(const char *text)
+{
+    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text, std::strlen(text));
+}
+
+} // namespace
+
+OrbCrashReportProcess::OrbCrashReportProcess(const QString &applicationName, const QString &version,
+                                             const QString &localeName,
+                                             const QString &extraArgument)
+    : m_program(QStringLiteral("OrbCrashReporter"))
+    , m_workingDirectory(QStringLiteral("."))
+    , m_applicationName(applicationName)
+    , m_version(version)
+    , m_localeName(localeName)
+    , m_extraArgument(extraArgument)
+    , m_userArgument(QStringLiteral(""))
+    , m_comment(QStringLiteral(""))
+{}
+
+void OrbCrashReportProcess::prepare(const QString &dumpFolder)
+{
+    m_file = QFile::encodeName(QCoreApplication::applicationDirPath() + QLatin1Char('/')
+                               + m_program);
+    m_folder = QFile::encodeName(m_workingDirectory);
+    m_texts = {m_applicationName.toUtf8(),
+               m_version.toUtf8(),
+               m_userArgument.toUtf8(),
+               m_localeName.toUtf8(),
+               m_extraArgument.toUtf8(),
+               QFile::encodeName(dumpFolder),
+               QByteArray(),
+               m_comment.toUtf8(),
+               QByteArray::number(m_send)};
+
+    m_arguments.front() = m_file.data();
+    std::transform(m_texts.begin(), m_texts.end(), m_arguments.begin() + 1,
+                   [](QByteArray &text) { return text.data(); });
+    m_arguments.at(1 + kIdArgument) = m_id.data();
+}
+
+void OrbCrashReportProcess::run(const QString &, const QString &minidump_id)
+{
+    if (!m_arguments.front())
+        return;
+    const int length = std::min(minidump_id.size(), kMaxIdLength);
+    for (int i = 0; i < length; ++i)
+        m_id[static_cast<std::size_t>(i)] = minidump_id.at(i).toLatin1();
+    m_id[static_cast<std::size_t>(length)] = '\0';
+
+    const pid_t child = forkWithoutHandlers();
+    if (child == 0) {
+        // A child of a child that is gone is nobody's to wait for.
+        if (forkWithoutHandlers() == 0)
+            becomeReporter();
+        ::_exit(0);
+    }
+    while (child > 0 && ::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+void OrbCrashReportProcess::becomeReporter() const
+{
+    sigset_t none;
+    ::sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr); // the handler of a crash has blocked some
+    ::signal(SIGPIPE, SIG_DFL);
+    ::setsid();
+    ::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
+    if (::chdir(m_folder.constData()) == 0)
+        ::execve(m_file.constData(), m_arguments.data(), environ);
+
+    for (const char *text :
+         {"The crash reporter ", m_file.constData(), " cannot be started. The report is ",
+          m_texts[kIdArgument - 1].constData(), "/", m_id.data(),
+          ".dmp, if it could be written.\n"})
+        say(text);
+    ::_exit(127);
+}

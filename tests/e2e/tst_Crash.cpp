@@ -1,0 +1,189 @@
+#include "CrashedPlayer.h"
+#include "FilmOnScreen.h"
+#include "WarningsFail.h"
+
+#include <QLocale>
+#include <QtTest>
+
+#include <unistd.h>
+
+#include <csignal>
+
+namespace {
+
+// What the system's libraries say of the crashes in these tests.
+const char *const kLastWords =
+    "double free or corruption.*|terminate called after .*|  what\\(\\): .*|Qt has caught an exception .*|exceptions from .*|"
+    "You must not let .*|If that is not possible, .*|QCoreApplication::notify\\(\\) and .*|"
+    ".*The program ends by a failure: .*";
+
+} // namespace
+
+class tst_Crash : public WarningsFail
+{
+    Q_OBJECT
+
+private:
+    void reporterIsStarted(const CrashedPlayer &player, const QString &id);
+
+    DumpReader m_reader;
+
+private slots:
+    void initTestCase();
+    void aCrashLeavesOneDumpThatNamesItsFunction_data();
+    void aCrashLeavesOneDumpThatNamesItsFunction();
+    void theReporterStartsWithoutADumpToo_data();
+    void theReporterStartsWithoutADumpToo();
+    void aMissingReporterIsToldOnStandardError();
+    void aReportOnDemandLeavesTheProgramPlaying();
+};
+
+void tst_Crash::initTestCase()
+{
+    if (!QFile::exists(QStringLiteral(MINIDUMP_STACKWALK))
+        || !QFile::exists(QStringLiteral(DUMP_SYMS)))
+        QSKIP("minidump_stackwalk and dump_syms, which read dumps, are not installed");
+    QCOMPARE(m_reader.readSymbols(), QString());
+}
+
+/// With its nine arguments, three of them empty.
+void tst_Crash::reporterIsStarted(const CrashedPlayer &player, const QString &id)
+{
+    QTRY_VERIFY(player.reports().contains(id));
+    const QStringList expected{QStringLiteral("9"),
+                               QStringLiteral("Orbix Sight"),
+                               QStringLiteral("1.4.0.400"),
+                               QString(),
+                               QStringLiteral("fr_CH"),
+                               QString(),
+                               player.dumpFolder(),
+                               id,
+                               QString(),
+                               QStringLiteral("1")};
+    QCOMPARE(player.reports().value(id), expected);
+}
+
+void tst_Crash::aCrashLeavesOneDumpThatNamesItsFunction_data()
+{
+    QTest::addColumn<QString>("crash");
+    QTest::addColumn<QString>("function");
+
+    for (const char *row :
+         {"main:null crashByNullWrite()", "main:abort crashByAbort()", "main:exception main",
+          "main:heap crashByDoubleFree()", "main:overflow crashByOverflow(int)",
+          "render:null crashByNullWrite()", "render:abort crashByAbort()",
+          "render:exception crashByException()", "vlc:null crashByNullWrite()",
+          "vlc:abort crashByAbort()", "vlc:exception crashByException()"}) {
+        const QStringList words = QString::fromLatin1(row).split(QLatin1Char(' '));
+        QTest::newRow(words.at(0).toLatin1().replace(':', ' ').constData())
+            << words.at(0) << words.at(1);
+    }
+}
+
+void tst_Crash::aCrashLeavesOneDumpThatNamesItsFunction()
+{
+    QFETCH(QString, crash);
+    QFETCH(QString, function);
+
+    CrashedPlayer player;
+    const QString film = player.folder() + QStringLiteral("/film.mp4");
+    QCOMPARE(ClipWriter::write(film), QString());
+    player.setSetting(QStringLiteral("application/language"), QStringLiteral("fr_CH"));
+    player.setEnvironment(QStringLiteral("ORBIX_CRASH"), crash);
+    player.start({film});
+
+    QCOMPARE(player.ending(QLatin1String(kLastWords)), QStringLiteral("it crashed"));
+    QCOMPARE(player.dumps().size(), 1);
+    const QString dump = player.dumps().constFirst();
+    QVERIFY2(m_reader.function(dump) == function,
+             qPrintable(m_reader.frames(dump).join(QLatin1Char('\n'))));
+    reporterIsStarted(player, QFileInfo(dump).completeBaseName());
+    QCOMPARE(player.reports().size(), 1);
+
+    // What `main` catches it hands over.
+    QFile file(dump);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll().contains("an exception on purpose"), function == QLatin1String("main"));
+}
+
+void tst_Crash::theReporterStartsWithoutADumpToo_data()
+{
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("mount");
+
+    QTest::newRow("no such folder") << QStringLiteral("/nowhere/at all") << QString();
+    QTest::newRow("a folder that nobody writes to") << QStringLiteral("/proc") << QString();
+    QTest::newRow("a full folder")
+        << QString() << QStringLiteral("mount -t tmpfs -o size=64k none \"$TMPDIR\"");
+}
+
+void tst_Crash::theReporterStartsWithoutADumpToo()
+{
+    QFETCH(QString, folder);
+    QFETCH(QString, mount);
+    if (!mount.isEmpty() && geteuid() != 0)
+        QSKIP("To mount a small folder one has to be root");
+
+    CrashedPlayer player;
+    if (!folder.isEmpty())
+        player.setDumpFolder(folder);
+    if (!mount.isEmpty())
+        player.startBy({QStringLiteral("unshare"), QStringLiteral("--mount"), QStringLiteral("sh"),
+                        QStringLiteral("-c"), mount + QStringLiteral(" && exec \"$@\""),
+                        QStringLiteral("sh")});
+    player.setSetting(QStringLiteral("application/language"), QStringLiteral("fr_CH"));
+    player.setEnvironment(QStringLiteral("ORBIX_CRASH"), QStringLiteral("main:null"));
+    player.start({});
+
+    QCOMPARE(player.ending(), QStringLiteral("it crashed"));
+    QTRY_COMPARE(player.reports().size(), 1);
+    reporterIsStarted(player, player.reports().firstKey());
+    QCOMPARE(player.dumps(), QStringList());
+}
+
+void tst_Crash::aMissingReporterIsToldOnStandardError()
+{
+    CrashedPlayer player;
+    player.removeReporter();
+    player.setEnvironment(QStringLiteral("ORBIX_CRASH"), QStringLiteral("render:null"));
+    player.start({});
+
+    const QString ending = player.ending();
+    QCOMPARE(player.dumps().size(), 1);
+    QCOMPARE(ending,
+             QStringLiteral("it crashed\nThe crash reporter %1/bin/OrbCrashReporter cannot "
+                            "be started. The report is %2, if it could be written.")
+                 .arg(player.folder(), player.dumps().constFirst()));
+}
+
+void tst_Crash::aReportOnDemandLeavesTheProgramPlaying()
+{
+    CrashedPlayer player;
+    Clip clip;
+    clip.frames = 250;
+    const QString film = player.folder() + QStringLiteral("/film.mp4");
+    QCOMPARE(ClipWriter::write(film, clip), QString());
+    player.setSetting(QStringLiteral("application/language"), QStringLiteral("fr_CH"));
+    FilmOnScreen::start(player, {film});
+
+    QCOMPARE(FilmOnScreen::watch(clip), QString());
+    player.order("dump");
+    QTRY_COMPARE(player.dumps().size(), 1);
+    const QString first = player.dumps().constFirst();
+    reporterIsStarted(player, QFileInfo(first).completeBaseName());
+    QCOMPARE(FilmOnScreen::watch(clip), QString());
+
+    // It was written whole, and of the main thread.
+    QTRY_VERIFY(m_reader.frames(first).filter(QStringLiteral("OnMiniDump")).size() == 1);
+
+    // A crash after it has a dump and a reporter of its own.
+    player.raise(SIGSEGV);
+    QCOMPARE(player.ending(), QStringLiteral("it crashed"));
+    QStringList later = player.dumps();
+    QCOMPARE(later.size(), 2);
+    later.removeOne(first);
+    reporterIsStarted(player, QFileInfo(later.constFirst()).completeBaseName());
+}
+
+QTEST_MAIN(tst_Crash)
+#include "tst_Crash.moc"
