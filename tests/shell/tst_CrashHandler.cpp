@@ -1,0 +1,70 @@
+#include "CrashHandler.h"
+#include "WarningsFail.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+
+class tst_CrashHandler : public WarningsFail
+{
+    Q_OBJECT
+
+private slots:
+    void aLongMessageKeepsItsWholeLetters_data();
+    void aLongMessageKeepsItsWholeLetters();
+    void withoutAHandlerNoReportIsWritten();
+    void whatStoodBeforeStandsAgainAfterIt();
+};
+
+void tst_CrashHandler::aLongMessageKeepsItsWholeLetters_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<int>("letters"); // UTF-16 units that remain of 1023 bytes
+
+    QTest::newRow("none") << QString() << 0;
+    QTest::newRow("as many as fit") << QString(1023, QLatin1Char('a')) << 1023;
+    QTest::newRow("one more") << QString(1024, QLatin1Char('a')) << 1023;
+    QTest::newRow("of two bytes") << QString(2000, QChar(0xe4)) << 511;
+    QTest::newRow("of three bytes, with one before")
+        << QLatin1Char('a') + QString(2000, QChar(0x4e00)) << 341;
+    QTest::newRow("of four bytes") << QString::fromUtf8("\xf0\x9f\x8c\x8d").repeated(900) << 510;
+}
+
+void tst_CrashHandler::aLongMessageKeepsItsWholeLetters()
+{
+    QFETCH(QString, text);
+    QFETCH(int, letters);
+
+    expectWarning(QStringLiteral("The program ends by a failure: .*"));
+    CrashHandler::setMessage(text);
+    QCOMPARE(CrashHandler::message(), text.left(letters));
+}
+
+void tst_CrashHandler::withoutAHandlerNoReportIsWritten()
+{
+    expectWarning(QStringLiteral("No report of the running program could be written."));
+    QVERIFY(!CrashHandler::writeReport());
+}
+
+void tst_CrashHandler::whatStoodBeforeStandsAgainAfterIt()
+{
+    const auto handler = [] {
+        struct sigaction action = {};
+        sigaction(SIGSEGV, nullptr, &action);
+        return action.sa_sigaction;
+    };
+    const auto before = handler();
+    const QTemporaryDir folder;
+    CrashHandler::Configuration configuration;
+    configuration.dumpFolder = folder.path();
+    configuration.dumpType = 2;
+    expectWarning(QStringLiteral("Dumps of the type 2 are not to be had here.*"));
+    CrashHandler::install(configuration);
+    QVERIFY(handler() != before);
+    CrashHandler::remove();
+    QVERIFY(handler() == before);
+}
+
+QTEST_GUILESS_MAIN(tst_CrashHandler)
+#include "tst_CrashHandler.moc"
