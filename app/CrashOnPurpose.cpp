@@ -1,5 +1,6 @@
 #include "CrashOnPurpose.h"
 
+#include "OrbException.h"
 #include "VlcInstance.h"
 
 #include <QQuickWindow>
@@ -27,6 +28,11 @@
 [[gnu::noinline]] void crashByException()
 {
     throw std::runtime_error("an exception on purpose");
+}
+
+[[gnu::noinline]] void crashByImageException()
+{
+    throw OrbException(QStringLiteral("a picture on purpose"));
 }
 
 // The C library finds it out, and aborts, while it holds the lock of the heap.
@@ -63,6 +69,8 @@ void crash()
         crashByAbort();
     else if (way() == "exception")
         crashByException();
+    else if (way() == "image")
+        crashByImageException();
     else if (way() == "heap")
         crashByDoubleFree();
     else if (way() == "overflow")

@@ -6,8 +6,8 @@ class QQuickWindow;
 namespace CrashOnPurpose {
 
 /// Has the program crash as the variable ORBIX_CRASH says: THREAD:WAY, with the threads "main",
-/// "render" and "vlc" and the ways "null", "abort", "exception", "heap" and "overflow". The
-/// window's render thread crashes before its next frame, a thread of libVLC as soon as it has
+/// "render" and "vlc" and the ways "null", "abort", "exception", "image", "heap" and "overflow".
+/// The window's render thread crashes before its next frame, a thread of libVLC as soon as it has
 /// something to say of what it opens. Without the variable nothing happens. Main thread.
 void arm(QQuickWindow *window);
 

@@ -2,6 +2,7 @@
 
 #include "CrashHandler.h"
 #include "CrashOnPurpose.h"
+#include "OrbException.h"
 #include "OrbGlobalObject.h"
 #include "OrbImageLibrary.h"
 #include "OrbQQuickView.h"
@@ -86,6 +87,10 @@ int main(int argc, char **argv)
     // Each failure goes on after its text is kept, so that the crash handler sees it.
     try {
         return run(argc, argv);
+    } catch (const OrbException &failure) {
+        CrashHandler::setMessage(
+            QStringLiteral("%1 [%2]").arg(failure.message(), failure.location()));
+        throw;
     } catch (const std::exception &failure) {
         CrashHandler::setMessage(QString::fromLocal8Bit(failure.what()));
         throw;
