@@ -1,6 +1,7 @@
 #include "OrbTools.h"
 
 #include "OrbLog.h"
+#include "TimeCounters.h"
 
 #include <memory>
 
@@ -11,6 +12,11 @@ std::unique_ptr<OrbLog> &instance()
     static std::unique_ptr<OrbLog> log;
     return log;
 }
+
+[[maybe_unused]] const bool kCalibrated = [] {
+    OrbTools::counters().calibrate();
+    return true;
+}();
 
 } // namespace
 
@@ -27,4 +33,10 @@ void OrbTools::stop()
 OrbLog *OrbTools::log()
 {
     return instance().get();
+}
+
+TimeCounters &OrbTools::counters()
+{
+    static TimeCounters counters;
+    return counters;
 }
