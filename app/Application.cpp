@@ -1,6 +1,7 @@
 #include "Application.h"
 
 #include "CommandLine.h"
+#include "OrbDebug.h"
 #include "OrbDisplay.h"
 #include "OrbDropArea.h"
 #include "OrbGlobalObject.h"
@@ -28,11 +29,15 @@
 #include <QOpenGLFunctions>
 #include <QQmlContext>
 #include <QQmlEngine>
+#include <QTimer>
 #include <QtQml>
 
 #include <clocale>
 
 namespace {
+
+constexpr bool kDebugOverlay = ORBIX_DEBUG_OVERLAY;
+constexpr int kFpsPeriodMs = 500;
 
 constexpr char kModule[] = "OrbixSight";
 const QString kRootScene = QStringLiteral("qrc:/qml/main_newui.qml");
@@ -130,6 +135,18 @@ void Application::createObjects(const QVariantMap &commandLine)
     m_view->setOculus(m_oculus.get());
     m_sensor = std::make_unique<OrbSensor>(m_globalObject.get());
     m_view->engine()->addImportPath(applicationDirPath() + QStringLiteral("/QtPlugins/"));
+    if (kDebugOverlay)
+        createDebug();
+}
+
+void Application::createDebug()
+{
+    m_debug = std::make_unique<OrbDebug>();
+    // The render thread says so; the news waits its turn on the main thread.
+    connect(m_view.get(), &QQuickWindow::frameSwapped, m_debug.get(), &OrbDebug::qmlFramePainted);
+    auto *timer = new QTimer(m_debug.get());
+    connect(timer, &QTimer::timeout, m_debug.get(), &OrbDebug::computeFps);
+    timer->start(kFpsPeriodMs);
 }
 
 void Application::setContextObjects()
@@ -151,6 +168,9 @@ void Application::setContextObjects()
     };
     for (const auto &[name, object] : objects)
         context->setContextProperty(QLatin1String(name), object);
+    // The scene shows the overlay wherever the name is known.
+    if (m_debug)
+        context->setContextProperty(QStringLiteral("orbDebug"), m_debug.get());
 }
 
 void Application::registerTypes()
@@ -191,6 +211,7 @@ void Application::cleanUp()
     m_realSense.reset();
     m_videoPlugin.reset();
     m_view.reset();
+    m_debug.reset();
     m_globalObject.reset();
     m_shaderCodeBuilder.reset();
     m_oculus.reset();

@@ -4,6 +4,7 @@
 
 #include <memory>
 
+class OrbDebug;
 class OrbDisplay;
 class OrbGlobalObject;
 class OrbHostingManager;
@@ -50,6 +51,7 @@ public slots:
 
 private:
     void createObjects(const QVariantMap &commandLine);
+    void createDebug();
     void setContextObjects();
     void registerTypes();
     void showWindow();
@@ -67,4 +69,5 @@ private:
     std::unique_ptr<OrbHostingManager> m_hostingManager;
     std::unique_ptr<OrbTextureProvider> m_textureProvider;
     std::unique_ptr<OrbRealSense> m_realSense;
+    std::unique_ptr<OrbDebug> m_debug; ///< none unless the build asks for it
 };
