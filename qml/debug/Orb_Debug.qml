@@ -7,9 +7,13 @@ Item {
 
     Text {
         anchors.left: parent.left
+        anchors.leftMargin: 10
         anchors.top: parent.top
+        anchors.topMargin: 10
         color: Orb_Theme.text
         font.pixelSize: 18
+        style: Text.Outline
+        styleColor: Orb_Theme.veil
         text: orbDisplay.logMessage
     }
 
