@@ -40,9 +40,11 @@ void installCrashHandler()
     configuration.version = Product::version();
     configuration.applicationName = Product::displayName();
     configuration.dumpFolder = QDir::tempPath();
-    // Empty where TMPDIR names no folder. The reporter tells the user so.
+    // Empty where there is none. The reporter tells the user so, of the folder that ought to be.
     if (configuration.dumpFolder.isEmpty())
         configuration.dumpFolder = qEnvironmentVariable("TMPDIR");
+    if (configuration.dumpFolder.isEmpty())
+        configuration.dumpFolder = QStringLiteral("/tmp");
     CrashHandler::install(configuration);
 }
 

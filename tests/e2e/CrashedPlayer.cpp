@@ -6,8 +6,9 @@
 
 namespace {
 
-constexpr char kReporter[] = R"(#!/bin/sh
-{ echo "$#"; printf '%s\n' "$@"; } >"$ORBIX_REPORTS/part.$$" &&
+constexpr char kReporter[] = R"(#!/bin/bash
+{ [ -e "$6/$7.dmp" ] && echo dump || echo 'no dump'
+    sed -n 's/^SigBlk:/blocked signals:/p' /proc/self/status; echo "$#"; printf '%s\n' "$@"; } >"$ORBIX_REPORTS/part.$$" &&
     mv "$ORBIX_REPORTS/part.$$" "$ORBIX_REPORTS/report.$7"
 )";
 

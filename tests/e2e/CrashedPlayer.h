@@ -20,7 +20,8 @@ public:
     /// The paths of the dumps, the oldest first.
     QStringList dumps() const;
 
-    /// The arguments of each reporter that was started, by dump id.
+    /// What each reporter that was started has found, by dump id: "dump" or "no dump", the signals
+    /// that it does not get, the number of its arguments, and these.
     QMap<QString, QStringList> reports() const;
 
 private:

@@ -147,8 +147,7 @@ QString Player::ending(const QString &ignored)
 {
     if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(kDeadlineMs))
         return QStringLiteral("it does not end");
-    QStringList lines = QString::fromUtf8(content(m_files.filePath(QStringLiteral("errors.txt"))))
-                            .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QStringList lines = errors().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     if (!ignored.isEmpty()) {
         const QRegularExpression pattern(QRegularExpression::anchoredPattern(ignored));
         const auto matches = [&](const QString &line) { return pattern.match(line).hasMatch(); };
@@ -158,6 +157,11 @@ QString Player::ending(const QString &ignored)
                       ? QStringLiteral("it crashed")
                       : QString::number(m_process.exitCode()));
     return lines.join(QLatin1Char('\n'));
+}
+
+QString Player::errors() const
+{
+    return QString::fromUtf8(content(m_files.filePath(QStringLiteral("errors.txt"))));
 }
 
 QVector<pid_t> Player::processes() const

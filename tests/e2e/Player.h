@@ -70,6 +70,9 @@ public:
     /// match `ignored`. What else may happen it tells in words.
     QString ending(const QString &ignored = {});
 
+    /// What the program has written to standard error.
+    QString errors() const;
+
     /// The processes of this run, those that the program has started too.
     QVector<pid_t> processes() const;
 

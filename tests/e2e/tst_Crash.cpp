@@ -2,10 +2,7 @@
 #include "FilmOnScreen.h"
 #include "WarningsFail.h"
 
-#include <QLocale>
 #include <QtTest>
-
-#include <unistd.h>
 
 #include <csignal>
 
@@ -24,9 +21,11 @@ class tst_Crash : public WarningsFail
     Q_OBJECT
 
 private:
-    void reporterIsStarted(const CrashedPlayer &player, const QString &id);
+    void reporterIsStarted(const CrashedPlayer &player, const QString &id,
+                           const QString &dump = QStringLiteral("dump"));
 
     DumpReader m_reader;
+    bool m_hasTools = false;
 
 private slots:
     void initTestCase();
@@ -40,17 +39,22 @@ private slots:
 
 void tst_Crash::initTestCase()
 {
-    if (!QFile::exists(QStringLiteral(MINIDUMP_STACKWALK))
-        || !QFile::exists(QStringLiteral(DUMP_SYMS)))
-        QSKIP("minidump_stackwalk and dump_syms, which read dumps, are not installed");
-    QCOMPARE(m_reader.readSymbols(), QString());
+    m_hasTools = QFile::exists(QStringLiteral(MINIDUMP_STACKWALK))
+        && QFile::exists(QStringLiteral(DUMP_SYMS));
+    if (!m_hasTools)
+        qInfo("minidump_stackwalk and dump_syms are not installed: no dump is read");
+    else
+        QCOMPARE(m_reader.readSymbols(), QString());
 }
 
 /// With its nine arguments, three of them empty.
-void tst_Crash::reporterIsStarted(const CrashedPlayer &player, const QString &id)
+void tst_Crash::reporterIsStarted(const CrashedPlayer &player, const QString &id,
+                                  const QString &dump)
 {
     QTRY_VERIFY(player.reports().contains(id));
-    const QStringList expected{QStringLiteral("9"),
+    const QStringList expected{dump,
+                               QStringLiteral("blocked signals:\t0000000000000000"),
+                               QStringLiteral("9"),
                                QStringLiteral("Orbix Sight"),
                                QStringLiteral("1.4.0.400"),
                                QString(),
@@ -105,14 +109,16 @@ void tst_Crash::aCrashLeavesOneDumpThatNamesItsFunction()
     QCOMPARE(player.ending(QLatin1String(kLastWords)), QStringLiteral("it crashed"));
     QCOMPARE(player.dumps().size(), 1);
     const QString dump = player.dumps().constFirst();
-    QVERIFY2(m_reader.function(dump) == function,
-             qPrintable(m_reader.frames(dump).join(QLatin1Char('\n'))));
     reporterIsStarted(player, QFileInfo(dump).completeBaseName());
     QCOMPARE(player.reports().size(), 1);
+    if (!m_hasTools)
+        QSKIP("The tools that read dumps are not installed");
+    QVERIFY2(m_reader.function(dump) == function,
+             qPrintable(m_reader.frames(dump).join(QLatin1Char('\n'))));
 
     QFile file(dump);
     QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.readAll().contains(message));
+    QVERIFY(message.isEmpty() || file.readAll().contains(message));
 }
 
 void tst_Crash::theReporterStartsWithoutADumpToo_data()
@@ -130,8 +136,11 @@ void tst_Crash::theReporterStartsWithoutADumpToo()
 {
     QFETCH(QString, folder);
     QFETCH(QString, mount);
-    if (!mount.isEmpty() && geteuid() != 0)
-        QSKIP("To mount a small folder one has to be root");
+    if (!mount.isEmpty()
+        && QProcess::execute(QStringLiteral("unshare"),
+                             {QStringLiteral("--mount"), QStringLiteral("true")})
+            != 0)
+        QSKIP("A folder of limited size cannot be mounted here, since that takes root's rights");
 
     CrashedPlayer player;
     if (!folder.isEmpty())
@@ -146,8 +155,7 @@ void tst_Crash::theReporterStartsWithoutADumpToo()
 
     QCOMPARE(player.ending(), QStringLiteral("it crashed"));
     QTRY_COMPARE(player.reports().size(), 1);
-    reporterIsStarted(player, player.reports().firstKey());
-    QCOMPARE(player.dumps(), QStringList());
+    reporterIsStarted(player, player.reports().firstKey(), QStringLiteral("no dump"));
 }
 
 void tst_Crash::aMissingReporterIsToldOnStandardError()
@@ -157,12 +165,13 @@ void tst_Crash::aMissingReporterIsToldOnStandardError()
     player.setEnvironment(QStringLiteral("ORBIX_CRASH"), QStringLiteral("render:null"));
     player.start({});
 
-    const QString ending = player.ending();
+    QVERIFY(player.ending().startsWith(QLatin1String("it crashed")));
     QCOMPARE(player.dumps().size(), 1);
-    QCOMPARE(ending,
-             QStringLiteral("it crashed\nThe crash reporter %1/bin/OrbCrashReporter cannot "
-                            "be started. The report is %2, if it could be written.")
-                 .arg(player.folder(), player.dumps().constFirst()));
+    // What could not become the reporter may live longer than the program.
+    QTRY_COMPARE(player.errors(),
+                 QStringLiteral("The crash reporter %1/bin/OrbCrashReporter cannot be started. The "
+                                "report is %2, if it could be written.\n")
+                     .arg(player.folder(), player.dumps().constFirst()));
 }
 
 void tst_Crash::aReportOnDemandLeavesTheProgramPlaying()
@@ -182,8 +191,8 @@ void tst_Crash::aReportOnDemandLeavesTheProgramPlaying()
     reporterIsStarted(player, QFileInfo(first).completeBaseName());
     QCOMPARE(FilmOnScreen::watch(clip), QString());
 
-    // It was written whole, and of the main thread.
-    QTRY_VERIFY(m_reader.frames(first).filter(QStringLiteral("OnMiniDump")).size() == 1);
+    if (m_hasTools) // of the thread that was asked, whole
+        QCOMPARE(m_reader.frames(first).filter(QStringLiteral("OnMiniDump")).size(), 1);
 
     // A crash after it has a dump and a reporter of its own.
     player.raise(SIGSEGV);

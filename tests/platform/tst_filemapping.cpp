@@ -54,8 +54,11 @@ char *map(HANDLE handle)
     action.sa_handler = SIG_DFL;
     if (isHandled) {
         action.sa_flags = SA_SIGINFO;
+        ::sigaddset(&action.sa_mask, SIGUSR1);
         action.sa_sigaction = [](int, siginfo_t *info, void *) {
-            ::_exit(info->si_code == BUS_ADRERR ? 42 : 1);
+            sigset_t blocked;
+            ::pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+            ::_exit(info->si_code == BUS_ADRERR && ::sigismember(&blocked, SIGUSR1) ? 42 : 1);
         };
     }
     ::sigaction(SIGBUS, &action, nullptr);

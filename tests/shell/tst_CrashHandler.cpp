@@ -1,10 +1,32 @@
 #include "CrashHandler.h"
+#include "OrbExceptionHandler.h"
 #include "WarningsFail.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <unistd.h>
+
 #include <csignal>
+#include <thread>
+
+namespace {
+
+QStringList dumpsIn(const QTemporaryDir &folder)
+{
+    return QDir(folder.path()).entryList({QStringLiteral("*.dmp")});
+}
+
+/// As if another thread had crashed.
+void crashElsewhere(OrbExceptionHandler &handler)
+{
+    std::thread([&handler] {
+        handler.SimulateSignalDelivery(SIGSEGV);
+        ::alarm(0); // this process is not to end
+    }).join();
+}
+
+} // namespace
 
 class tst_CrashHandler : public WarningsFail
 {
@@ -14,6 +36,10 @@ private slots:
     void aLongMessageKeepsItsWholeLetters_data();
     void aLongMessageKeepsItsWholeLetters();
     void withoutAHandlerNoReportIsWritten();
+    void aDumpOnDemandIsTold_data();
+    void aDumpOnDemandIsTold();
+    void onlyTheFirstOfSeveralCrashesIsReported();
+    void aCrashLeavesTheDumpThatIsBeingWritten();
     void whatStoodBeforeStandsAgainAfterIt();
 };
 
@@ -45,6 +71,60 @@ void tst_CrashHandler::withoutAHandlerNoReportIsWritten()
 {
     expectWarning(QStringLiteral("No report of the running program could be written."));
     QVERIFY(!CrashHandler::writeReport());
+}
+
+void tst_CrashHandler::aDumpOnDemandIsTold_data()
+{
+    QTest::addColumn<bool>("isWritable");
+
+    QTest::newRow("written") << true;
+    QTest::newRow("not written") << false;
+}
+
+void tst_CrashHandler::aDumpOnDemandIsTold()
+{
+    QFETCH(bool, isWritable);
+
+    const QTemporaryDir folder;
+    OrbExceptionHandler handler(isWritable ? folder.path() : QStringLiteral("/proc"), nullptr);
+    QSignalSpy told(&handler, &OrbExceptionHandler::crash_report_dumped);
+    for (int i = 1; i <= 2; ++i) {
+        QCOMPARE(handler.write(), isWritable);
+        QCOMPARE(told.size(), i);
+        QCOMPARE(told.last().at(3).toBool(), isWritable);
+        QCOMPARE(dumpsIn(folder).size(), isWritable ? i : 0);
+    }
+}
+
+void tst_CrashHandler::onlyTheFirstOfSeveralCrashesIsReported()
+{
+    const QTemporaryDir folder;
+    OrbExceptionHandler handler(folder.path(), nullptr);
+    int told = 0;
+    connect(
+        &handler, &OrbExceptionHandler::crash_report_dumped, this, [&told] { ++told; },
+        Qt::DirectConnection);
+    crashElsewhere(handler);
+    crashElsewhere(handler);
+    QCOMPARE(told, 1);
+    QCOMPARE(dumpsIn(folder).size(), 1);
+}
+
+void tst_CrashHandler::aCrashLeavesTheDumpThatIsBeingWritten()
+{
+    const QTemporaryDir folder;
+    OrbExceptionHandler handler(folder.path(), nullptr);
+    int told = 0;
+    connect(
+        &handler, &OrbExceptionHandler::crash_report_dumped, this,
+        [&told, &handler] {
+            if (++told == 1)
+                crashElsewhere(handler);
+        },
+        Qt::DirectConnection);
+    handler.write();
+    QCOMPARE(told, 2);
+    QCOMPARE(dumpsIn(folder).size(), 1);
 }
 
 void tst_CrashHandler::whatStoodBeforeStandsAgainAfterIt()

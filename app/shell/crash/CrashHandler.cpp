@@ -28,15 +28,16 @@ QByteArray shortened(const QString &text, int bytes)
     return utf8;
 }
 
-std::unique_ptr<OrbCrashReportProcess> &process()
+/// The handler, which tells the process, goes first.
+struct Installed
 {
-    static std::unique_ptr<OrbCrashReportProcess> instance;
-    return instance;
-}
+    std::unique_ptr<OrbCrashReportProcess> process;
+    std::unique_ptr<OrbExceptionHandler> handler;
+};
 
-std::unique_ptr<OrbExceptionHandler> &handler()
+Installed &installed()
 {
-    static std::unique_ptr<OrbExceptionHandler> instance;
+    static Installed instance;
     return instance;
 }
 
@@ -49,22 +50,23 @@ void CrashHandler::install(const Configuration &configuration)
         qCWarning(lcCrash, "Dumps of the type %d are not to be had here; they will be of type 0.",
                   configuration.dumpType);
     }
-    process() = std::make_unique<OrbCrashReportProcess>(configuration.applicationName,
-                                                        configuration.version,
-                                                        configuration.localeName,
-                                                        configuration.extraArgument);
-    process()->prepare(configuration.dumpFolder);
-    handler() = std::make_unique<OrbExceptionHandler>(configuration.dumpFolder, nullptr);
-    handler()->RegisterAppMemory(g_message, sizeof(g_message));
+    auto &[process, handler] = installed();
+    process = std::make_unique<OrbCrashReportProcess>(configuration.applicationName,
+                                                      configuration.version,
+                                                      configuration.localeName,
+                                                      configuration.extraArgument);
+    process->prepare(configuration.dumpFolder);
+    handler = std::make_unique<OrbExceptionHandler>(configuration.dumpFolder, nullptr);
+    handler->RegisterAppMemory(g_message, sizeof(g_message));
     // Whichever thread crashes, the reporter starts within the handler.
-    QObject::connect(handler().get(), &OrbExceptionHandler::crash_report_dumped, process().get(),
+    QObject::connect(handler.get(), &OrbExceptionHandler::crash_report_dumped, process.get(),
                      &OrbCrashReportProcess::run, Qt::DirectConnection);
 }
 
 void CrashHandler::remove()
 {
-    handler().reset();
-    process().reset();
+    installed().handler.reset();
+    installed().process.reset();
 }
 
 void CrashHandler::setMessage(const QString &message)
@@ -81,7 +83,8 @@ QString CrashHandler::message()
 
 bool CrashHandler::writeReport()
 {
-    const bool written = handler() && handler()->write();
+    OrbExceptionHandler *handler = installed().handler.get();
+    const bool written = handler && handler->write();
     if (!written)
         qCWarning(lcCrash, "No report of the running program could be written.");
     return written;

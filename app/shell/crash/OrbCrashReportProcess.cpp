@@ -5,7 +5,6 @@
 
 #include <linux/close_range.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,6 +16,11 @@ namespace {
 
 constexpr int kIdArgument = 6; ///< counted from 0
 
+constexpr char kEndOfComplaint[] = ".dmp, if it could be written.\n";
+
+// Bare system calls: the C library's own may act on a cancellation of the thread, which would then
+// leave the handler of its crash.
+
 /// As fork(), without what libraries do at a fork: they take locks that a crash may have left
 /// taken.
 pid_t forkWithoutHandlers()
@@ -24,9 +28,10 @@ pid_t forkWithoutHandlers()
     return static_cast<pid_t>(::syscall(SYS_clone, SIGCHLD, nullptr, nullptr, nullptr, nullptr));
 }
 
-void say(const char *text)
+void waitForEnd(pid_t child)
 {
-    [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, text, std::strlen(text));
+    while (::syscall(SYS_wait4, child, nullptr, 0, nullptr) < 0 && errno == EINTR) {
+    }
 }
 
 } // namespace
@@ -63,6 +68,12 @@ void OrbCrashReportProcess::prepare(const QString &dumpFolder)
     std::transform(m_texts.begin(), m_texts.end(), m_arguments.begin() + 1,
                    [](QByteArray &text) { return text.data(); });
     m_arguments.at(1 + kIdArgument) = m_id.data();
+
+    m_complaint = "The crash reporter " + m_file + " cannot be started. The report is "
+        + m_texts[kIdArgument - 1] + '/';
+    const int head = m_complaint.size();
+    m_complaint.resize(head + kMaxIdLength + int(sizeof(kEndOfComplaint)));
+    m_complaintEnd = m_complaint.data() + head;
 }
 
 void OrbCrashReportProcess::run(const QString &, const QString &minidump_id)
@@ -76,30 +87,43 @@ void OrbCrashReportProcess::run(const QString &, const QString &minidump_id)
 
     const pid_t child = forkWithoutHandlers();
     if (child == 0) {
-        // A child of a child that is gone is nobody's to wait for.
-        if (forkWithoutHandlers() == 0)
-            becomeReporter();
+        startReporter();
         ::_exit(0);
     }
-    while (child > 0 && ::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-    }
+    if (child > 0)
+        waitForEnd(child);
+    else
+        complain();
 }
 
-void OrbCrashReportProcess::becomeReporter() const
+/// From a process that ends at once, so that nobody has to wait for the reporter's end.
+void OrbCrashReportProcess::startReporter()
+{
+    const pid_t child = forkWithoutHandlers();
+    if (child == 0)
+        becomeReporter();
+    if (child < 0)
+        complain();
+}
+
+void OrbCrashReportProcess::becomeReporter()
 {
     sigset_t none;
     ::sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr); // the handler of a crash has blocked some
     ::signal(SIGPIPE, SIG_DFL);
+    ::alarm(0);
     ::setsid();
     ::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     if (::chdir(m_folder.constData()) == 0)
         ::execve(m_file.constData(), m_arguments.data(), environ);
-
-    for (const char *text :
-         {"The crash reporter ", m_file.constData(), " cannot be started. The report is ",
-          m_texts[kIdArgument - 1].constData(), "/", m_id.data(),
-          ".dmp, if it could be written.\n"})
-        say(text);
+    complain();
     ::_exit(127);
+}
+
+void OrbCrashReportProcess::complain()
+{
+    const char *begin = m_complaint.constData();
+    const char *end = ::stpcpy(::stpcpy(m_complaintEnd, m_id.data()), kEndOfComplaint);
+    ::syscall(SYS_write, STDERR_FILENO, begin, end - begin);
 }

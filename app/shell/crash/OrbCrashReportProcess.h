@@ -24,7 +24,7 @@ public:
 public slots:
     /// Starts the reporter for a dump in the folder that was prepared for, which `dump_path` is.
     /// Any thread, also within the handler of a crash: there is nothing here but system calls. The
-    /// reporter belongs to no one and has a session of its own. If it cannot be started, a line on
+    /// reporter is no one's child and has a session of its own. If it cannot be started, a line on
     /// standard error says so.
     void run(const QString &dump_path, const QString &minidump_id);
 
@@ -32,7 +32,9 @@ private:
     static constexpr int kArguments = 9;
     static constexpr int kMaxIdLength = 63;
 
-    [[noreturn]] void becomeReporter() const;
+    void startReporter();
+    [[noreturn]] void becomeReporter();
+    void complain();
 
     QString m_program;
     QString m_workingDirectory;
@@ -50,4 +52,6 @@ private:
     std::array<QByteArray, kArguments> m_texts;
     std::array<char, kMaxIdLength + 1> m_id{};
     std::array<char *, kArguments + 2> m_arguments{}; ///< the program's name, all texts, null
+    QByteArray m_complaint;                           ///< up to the dump's id, with room behind it
+    char *m_complaintEnd = nullptr;                   ///< where the id goes
 };

@@ -4,15 +4,27 @@
 
 #include <unistd.h>
 
+#include <csignal>
 #include <cstring>
 
 namespace {
 
 constexpr int kIdLength = 36; ///< 8-4-4-8-8 hexadecimal digits
+constexpr unsigned kMostSeconds = 10;
 
 google_breakpad::MinidumpDescriptor descriptorIn(const QString &folder)
 {
     return google_breakpad::MinidumpDescriptor(QFile::encodeName(folder).toStdString());
+}
+
+void endByAlarm()
+{
+    sigset_t alarm;
+    ::sigemptyset(&alarm);
+    ::sigaddset(&alarm, SIGALRM);
+    ::signal(SIGALRM, SIG_DFL);
+    ::pthread_sigmask(SIG_UNBLOCK, &alarm, nullptr);
+    ::alarm(kMostSeconds);
 }
 
 } // namespace
@@ -27,20 +39,33 @@ OrbExceptionHandler::OrbExceptionHandler(const QString &dumpFolder, void *contex
 
 bool OrbExceptionHandler::write()
 {
-    const bool written = WriteMinidump();
+    m_succeeded = false;
+    m_writer = ::gettid();
+    const bool isRun = WriteMinidump();                // true whenever it came to the callback
     set_minidump_descriptor(descriptorIn(m_dumpPath)); // a crash after this has a file of its own
-    return written;
+    m_writer = 0;
+    return isRun && m_succeeded;
 }
 
 bool OrbExceptionHandler::onDumped(const google_breakpad::MinidumpDescriptor &descriptor,
                                    void *handler, bool succeeded)
 {
     auto *self = static_cast<OrbExceptionHandler *>(handler);
+    const pid_t writer = self->m_writer;
+    if (writer != ::gettid()) {
+        // Threads crash one after the other here, all into the file of the first.
+        if (self->m_hasCrashed.test_and_set())
+            return true;
+        endByAlarm();
+    }
+    // What the disk had no room for is no dump. With a writer the file may be that one's.
+    if (!succeeded && (writer == 0 || writer == ::gettid()))
+        ::unlink(descriptor.path());
+    self->m_succeeded = succeeded;
+
     const char *letter = std::strrchr(descriptor.path(), '/') + 1;
     for (int i = 0; i < kIdLength && *letter; ++i, ++letter)
         self->m_idLetters[i] = QLatin1Char(*letter);
-    if (!succeeded)
-        ::unlink(descriptor.path()); // what the disk had no room for is no dump
     emit self->crash_report_dumped(self->m_dumpPath, self->m_minidumpId, self->m_context,
                                    succeeded);
     return true;

@@ -3,13 +3,19 @@
 #include <QObject>
 #include <QString>
 
+#include <sys/types.h>
+
+#include <atomic>
+
 #include <client/linux/handler/exception_handler.h>
 
 /// Writes the dumps: of a crash, on the thread that crashed, and of the running program.
 ///
-/// The signal is emitted from within the handler of a crash. The heap may be in disorder there and
-/// its locks taken: the texts that it carries were allocated before, and a receiver, connected
-/// directly, must neither allocate nor copy them, nor take a lock.
+/// The signal is emitted from within the handler of a crash, for the first thread that crashes. The
+/// heap may be in disorder there and its locks taken: the texts that it carries were allocated
+/// before, and a receiver, connected directly, must neither allocate nor copy them, nor take a
+/// lock. Qt itself takes one for a thread other than the main thread, which only a crash within
+/// Qt's own connecting may hold: a crash that is not through after ten seconds ends by SIGALRM.
 class OrbExceptionHandler : public QObject, public google_breakpad::ExceptionHandler
 {
     Q_OBJECT
@@ -33,6 +39,9 @@ private:
 
     void *m_context;
     QString m_dumpPath;
-    QString m_minidumpId; ///< of the last dump, written into where it stands
-    QChar *m_idLetters;   ///< of m_minidumpId
+    QString m_minidumpId;           ///< of the last dump, written into where it stands
+    QChar *m_idLetters;             ///< of m_minidumpId
+    bool m_succeeded = false;       ///< the last dump
+    std::atomic<pid_t> m_writer{0}; ///< the thread that writes on demand; 0: none
+    std::atomic_flag m_hasCrashed = ATOMIC_FLAG_INIT;
 };
