@@ -98,9 +98,10 @@ void CrashOnPurpose::arm(QQuickWindow *window)
     } else if (words.at(0) == "render") {
         // As all slots of that thread: past them Qt would catch the exception and end the program,
         // with nothing left of where it came from.
-        QObject::connect(
-            window, &QQuickWindow::beforeRendering, window, []() noexcept { crash(); },
-            Qt::DirectConnection);
+        // NOLINTNEXTLINE(bugprone-exception-escape)
+        const auto crashHere = []() noexcept { crash(); };
+        QObject::connect(window, &QQuickWindow::beforeRendering, window, crashHere,
+                         Qt::DirectConnection);
     } else if (words.at(0) == "vlc") {
         libvlc_log_set(vlcInstance(), onVlcMessage, QThread::currentThread());
     }

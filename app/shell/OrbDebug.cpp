@@ -13,8 +13,10 @@ void OrbDebug::framePaintedAt(QTime now)
     m_lastFrame = now;
     if (m_rates.size() > kRates)
         m_rates.removeFirst();
-    if (intervalMs >= 1)
-        m_rates.append(kMsPerSecond / intervalMs);
+    if (intervalMs >= 1) {
+        const int rate = kMsPerSecond / intervalMs;
+        m_rates.append(rate);
+    }
 }
 
 void OrbDebug::qmlFramePainted()

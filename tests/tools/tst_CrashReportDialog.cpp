@@ -194,7 +194,8 @@ private slots:
         const QByteArray systemPath = qgetenv("PATH");
         qputenv("PATH", m_folder->path().toLocal8Bit());
         const QString program = m_folder->filePath(QStringLiteral("xdg-open"));
-        for (const QByteArray opener : {"", "#!/bin/sh\nexit 3", "#!/bin/sh\n: > \"$1/opened\""}) {
+        const QByteArray openers[] = {"", "#!/bin/sh\nexit 3", "#!/bin/sh\n: > \"$1/opened\""};
+        for (const QByteArray &opener : openers) {
             QVERIFY(opener.isEmpty() || write(program, opener));
             find<QLabel>("status")->clear();
             press("openFolder");

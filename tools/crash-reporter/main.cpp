@@ -35,7 +35,7 @@ int main(int argc, char **argv)
     const ParsedReport parsed = CrashReport::parse(arguments);
     if (!parsed.error.isEmpty())
         return refuse(parsed.error);
-    CrashReportDialog dialog(parsed.report, QUrl(QStringLiteral(ORBIX_CRASH_SERVER_URL)));
+    CrashReportDialog dialog(parsed.report, QUrl(QString::fromUtf8(ORBIX_CRASH_SERVER_URL)));
     dialog.exec();
     return 0;
 }

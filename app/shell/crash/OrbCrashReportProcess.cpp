@@ -45,8 +45,6 @@ OrbCrashReportProcess::OrbCrashReportProcess(const QString &applicationName, con
     , m_version(version)
     , m_localeName(localeName)
     , m_extraArgument(extraArgument)
-    , m_userArgument(QStringLiteral(""))
-    , m_comment(QStringLiteral(""))
 {}
 
 void OrbCrashReportProcess::prepare(const QString &dumpFolder)

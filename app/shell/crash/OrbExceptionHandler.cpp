@@ -30,6 +30,7 @@ void endByAlarm()
 } // namespace
 
 OrbExceptionHandler::OrbExceptionHandler(const QString &dumpFolder, void *context)
+    // NOLINTNEXTLINE(bugprone-throw-keyword-missing): a handler of exceptions is none
     : ExceptionHandler(descriptorIn(dumpFolder), nullptr, onDumped, this, true, -1)
     , m_context(context)
     , m_dumpPath(dumpFolder)
