@@ -96,7 +96,7 @@ void CrashOnPurpose::arm(QQuickWindow *window)
     if (words.at(0) == "main") {
         QTimer::singleShot(0, window, crash);
     } else if (words.at(0) == "render") {
-        // As all slots of that thread: past them Qt would catch the exception and end the program,
+        // As our painting: past it Qt would catch the exception and end the program,
         // with nothing left of where it came from.
         // NOLINTNEXTLINE(bugprone-exception-escape)
         const auto crashHere = []() noexcept { crash(); };

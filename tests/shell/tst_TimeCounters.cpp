@@ -57,7 +57,8 @@ void tst_TimeCounters::threadsShareNoStopwatch()
     };
     const auto isExact = [&](const QString &name) {
         const TimeCounter counter = counters.counter(name).value_or(TimeCounter());
-        return counter.count == kRounds && counter.total == qint64(kRounds) * 6 && counter.last == 6;
+        return counter.count == kRounds && counter.total == qint64(kRounds) * 6
+            && counter.last == 6;
     };
     std::atomic<int> exactThreads{0};
     const auto work = [&](int thread) {
