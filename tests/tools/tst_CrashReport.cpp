@@ -97,7 +97,8 @@ private slots:
         QVERIFY(maker.waitForFinished() && maker.exitCode() == 0);
         // The superuser may write everywhere, so for access() it is somebody else meanwhile.
         const bool isSuperuser = ::getuid() == 0;
-        QVERIFY(!isSuperuser || ::setreuid(65534, 0) == 0);
+        if (isSuperuser && ::setreuid(65534, 0) != 0)
+            QSKIP("There is no other user here for whom a folder could be write-protected");
         const auto found = CrashDump::look(top.filePath(QStringLiteral("d/f.dmp")),
                                            isFull ? std::numeric_limits<qint64>::max() : 0);
         QVERIFY(!isSuperuser || ::setreuid(0, 0) == 0);

@@ -57,6 +57,7 @@ class tst_OrbCrashReporter : public WarningsFail
     Q_OBJECT
 
 private slots:
+    void initTestCase() { QCOMPARE(xcb_connection_has_error(m_x.get()), 0); }
     void itShowsTheCrashOrRefusesItsArguments_data()
     {
         QTest::addColumn<int>("count");

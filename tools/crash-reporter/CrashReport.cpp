@@ -86,6 +86,10 @@ QString CrashReport::details(const QString &system, qint64 dumpBytes, const QStr
     QStringList lines{tr("Program: %1 %2").arg(applicationName, version),
                       tr("Language: %1").arg(localeName), tr("System: %1").arg(system),
                       tr("Crash file: %1").arg(printable(dumpPath, kLongestPath))};
+    if (!userArgument.isEmpty())
+        lines += tr("User: %1").arg(userArgument);
+    if (!extraArgument.isEmpty())
+        lines += tr("Further: %1").arg(extraArgument);
     if (dumpBytes >= 0)
         lines += tr("Size: %1 (%2 bytes)").arg(sizeText(dumpBytes)).arg(dumpBytes);
     if (!dumpProblem.isEmpty())

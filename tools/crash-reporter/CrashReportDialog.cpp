@@ -151,7 +151,9 @@ QLayout *CrashReportDialog::createProgressRow()
     m_cancel = button("cancel", tr("Ca&ncel"), this);
     connect(m_cancel, &QPushButton::clicked, this, [this] {
         m_upload.cancel();
-        takeResult(tr("Sending was cancelled."));
+        takeResult(m_progress->value() < m_progress->maximum()
+                       ? tr("Sending was cancelled.")
+                       : tr("Sending was cancelled. The server may have the report already."));
     });
 
     auto *row = new QHBoxLayout;
@@ -177,6 +179,7 @@ QLayout *CrashReportDialog::createButtons()
         row->addWidget(m_send);
     }
     m_close = button("close", tr("&Close"), this);
+    m_close->setDefault(true); // Enter in a field is not meant to send
     connect(m_close, &QPushButton::clicked, this, &QDialog::reject);
     row->addWidget(m_close);
     return row;
@@ -192,8 +195,9 @@ QString CrashReportDialog::explanation() const
         "the fault. The file may hold parts of what was open.");
     return what + QLatin1String("\n\n")
         + (m_offersSending
-               ? tr("Send gives the file, your comment, and the version and language of the "
-                    "program to the maker. Before that, nothing is sent.")
+               ? tr(
+                   "Send gives the maker the file, your comment, and what the details, which you can "
+                   "copy here, say of the program. Before that, nothing is sent.")
                : tr("Nothing is sent anywhere. If you want to help, give the file to the maker by "
                     "hand, with the details that you can copy here."));
 }
@@ -207,7 +211,6 @@ void CrashReportDialog::showDump()
     m_openFolder->setEnabled(m_dump.state != CrashDump::State::FolderMissing);
     if (m_send)
         m_send->setVisible(isIntact);
-    (m_send && isIntact ? m_send : m_close)->setDefault(true);
 }
 
 void CrashReportDialog::showSending(bool isSending)
@@ -275,6 +278,5 @@ void CrashReportDialog::takeResult(const QString &error)
     showSending(false);
     if (error.isEmpty()) {
         m_send->setEnabled(false);
-        m_close->setDefault(true);
     }
 }

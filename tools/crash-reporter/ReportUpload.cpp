@@ -114,7 +114,7 @@ void ReportUpload::judge()
     if (!status.isValid() && !m_reply->isFinished())
         return;
     if (!status.isValid()) {
-        end(tr("The server cannot be reached: %1.")
+        end(tr("The report could not be sent: %1.")
                 .arg(CrashReport::printable(m_reply->errorString(), 200)));
         return;
     }

@@ -24,8 +24,6 @@ public:
                           std::chrono::milliseconds patience = std::chrono::seconds(30));
     ~ReportUpload() override;
 
-    bool isSending() const { return m_reply != nullptr; }
-
     /// Only while none is being sent. `dump` is open and is read on the way.
     void start(const CrashReport &report, const QString &comment, std::unique_ptr<QFile> dump);
 

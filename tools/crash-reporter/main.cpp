@@ -35,6 +35,12 @@ int main(int argc, char **argv)
     const ParsedReport parsed = CrashReport::parse(arguments);
     if (!parsed.error.isEmpty())
         return refuse(parsed.error);
+    // A player without a screen has nobody who could close a window.
+    if (QGuiApplication::platformName() == QLatin1String("offscreen")
+        || QGuiApplication::platformName() == QLatin1String("minimal")) {
+        std::fprintf(stderr, "OrbCrashReporter: %s\n", qPrintable(parsed.report.dumpPath));
+        return 0;
+    }
     CrashReportDialog dialog(parsed.report, QUrl(QString::fromUtf8(ORBIX_CRASH_SERVER_URL)));
     dialog.exec();
     return 0;

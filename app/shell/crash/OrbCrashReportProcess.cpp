@@ -52,14 +52,14 @@ void OrbCrashReportProcess::prepare(const QString &dumpFolder)
     m_file = QFile::encodeName(QCoreApplication::applicationDirPath() + QLatin1Char('/')
                                + m_program);
     m_folder = QFile::encodeName(m_workingDirectory);
-    m_texts = {m_applicationName.toUtf8(),
-               m_version.toUtf8(),
-               m_userArgument.toUtf8(),
-               m_localeName.toUtf8(),
-               m_extraArgument.toUtf8(),
+    m_texts = {m_applicationName.toLocal8Bit(),
+               m_version.toLocal8Bit(),
+               m_userArgument.toLocal8Bit(),
+               m_localeName.toLocal8Bit(),
+               m_extraArgument.toLocal8Bit(),
                QFile::encodeName(dumpFolder),
                QByteArray(),
-               m_comment.toUtf8(),
+               m_comment.toLocal8Bit(),
                QByteArray::number(m_send)};
 
     m_arguments.front() = m_file.data();
@@ -110,7 +110,6 @@ void OrbCrashReportProcess::becomeReporter()
     ::sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr); // the handler of a crash has blocked some
     ::signal(SIGPIPE, SIG_DFL);
-    ::alarm(0);
     ::setsid();
     ::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, CLOSE_RANGE_CLOEXEC);
     if (::chdir(m_folder.constData()) == 0)

@@ -59,8 +59,8 @@ bool OrbExceptionHandler::onDumped(const google_breakpad::MinidumpDescriptor &de
             return true;
         endByAlarm();
     }
-    // What the disk had no room for is no dump. With a writer the file may be that one's.
-    if (!succeeded && (writer == 0 || writer == ::gettid()))
+    // What the disk had no room for is no dump. With a writer, it or a crash has the file's name.
+    if (!succeeded && writer == 0)
         ::unlink(descriptor.path());
     self->m_succeeded = succeeded;
 

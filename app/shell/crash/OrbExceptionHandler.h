@@ -15,7 +15,8 @@
 /// heap may be in disorder there and its locks taken: the texts that it carries were allocated
 /// before, and a receiver, connected directly, must neither allocate nor copy them, nor take a
 /// lock. Qt itself takes one for a thread other than the main thread, which only a crash within
-/// Qt's own connecting may hold: a crash that is not through after ten seconds ends by SIGALRM.
+/// Qt's own connecting may hold: where receivers are not through after ten seconds, SIGALRM ends
+/// the program.
 class OrbExceptionHandler : public QObject, public google_breakpad::ExceptionHandler
 {
     Q_OBJECT
