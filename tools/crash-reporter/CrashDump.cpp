@@ -3,10 +3,10 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
-#include <QStorageInfo>
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace CrashDump {
@@ -17,8 +17,11 @@ constexpr char kSignature[] = "MDMP";
 
 bool isFull(const QString &folder, qint64 leastRoom)
 {
-    const qint64 room = QStorageInfo(folder).bytesAvailable();
-    return room >= 0 && room < leastRoom;
+    // QStorageInfo knows nothing of folders whose mount is out of sight, as in a chroot.
+    struct statvfs disk = {};
+    if (::statvfs(QFile::encodeName(folder).constData(), &disk) != 0)
+        return false;
+    return quint64(disk.f_bavail) * disk.f_frsize < quint64(leastRoom);
 }
 
 } // namespace
