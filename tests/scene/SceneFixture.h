@@ -21,6 +21,10 @@ class Application;
 class OrbSettingsManager;
 class QMessageBox;
 
+/// How much earlier than asked for a timer of QML may go off: it counts from the last tick of the
+/// animations, which Qt lets be 50 ms old, and times are rounded.
+constexpr int kTimerSlackMs = 51;
+
 /// The whole program with its real window, once a process, steered by events as a window system
 /// gives them. Base of test classes: the program is up from the first test function to the last,
 /// starts with settings of its own, and neither its start nor its end may print a warning.
