@@ -77,6 +77,18 @@ public:
     /// The complete fragment shader; `oculusMode` is the renderer's own, not the property.
     QString build(bool oculusMode) const;
 
+    /// Has the slot called whenever what `build` gives may be another.
+    template <typename Receiver>
+    void onTextChanged(Receiver *receiver, void (Receiver::*slot)())
+    {
+        using Builder = OrbShaderCodeBuilder;
+        for (const auto changed :
+             {&Builder::oculusModeChanged, &Builder::effectChanged, &Builder::projectionChanged,
+              &Builder::stereoModeChanged, &Builder::projectionSourceChanged,
+              &Builder::rotationSourceChanged, &Builder::invertedColorsChanged})
+            connect(this, changed, receiver, slot);
+    }
+
 signals:
     void oculusModeChanged();
     void effectChanged();

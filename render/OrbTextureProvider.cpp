@@ -32,6 +32,11 @@ int OrbTextureProvider::textureId() const
     return m_liveFeed ? m_liveFeed->currentTexture() : m_textureId.load();
 }
 
+int OrbTextureProvider::shownTextureId() const
+{
+    return m_liveFeed ? m_liveFeed->textureName() : m_textureId.load();
+}
+
 void OrbTextureProvider::setTextureId(int id)
 {
     if (takeTextureId(id))

@@ -38,6 +38,9 @@ public:
     int textureId() const;
     void setTextureId(int id);
 
+    /// The same for a window beside the scene's, which must not bring what a texture contains.
+    int shownTextureId() const;
+
     /// Takes the texture of `quickItem` from the next synchronisation on. An item without a texture
     /// provider changes nothing.
     Q_INVOKABLE void setShaderEffectSource(QQuickItem *quickItem);

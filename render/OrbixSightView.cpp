@@ -44,12 +44,7 @@ void OrbixSightView::init(OrbShaderCodeBuilder *builder, OrbGlobalObject *state,
     m_builder = builder;
     m_state = state;
     m_textureProvider = textureProvider;
-    using Builder = OrbShaderCodeBuilder;
-    for (const auto changed :
-         {&Builder::oculusModeChanged, &Builder::effectChanged, &Builder::projectionChanged,
-          &Builder::stereoModeChanged, &Builder::projectionSourceChanged,
-          &Builder::rotationSourceChanged, &Builder::invertedColorsChanged})
-        connect(builder, changed, this, &OrbixSightView::dirtyShader);
+    builder->onTextChanged(this, &OrbixSightView::dirtyShader);
     connect(textureProvider, &OrbTextureProvider::contentsChanged, this, [this] { update(); });
     setOpaquePainting(true); // from now on it covers its ground
     m_initialised = true;
@@ -78,8 +73,8 @@ std::optional<OrbixSightView::Picture> OrbixSightView::currentPicture() const
     const std::optional<int> contents = m_textureProvider->contents();
     if (!contents || !window())
         return std::nullopt;
-    return Picture{currentView(), size() * window()->effectiveDevicePixelRatio(), texture,
-                   *contents};
+    return Picture{PanoramaView::of(*m_state, m_viewport),
+                   size() * window()->effectiveDevicePixelRatio(), texture, *contents};
 }
 
 void OrbixSightView::paint(QPainter *painter) noexcept
@@ -96,7 +91,7 @@ void OrbixSightView::paint(QPainter *painter) noexcept
         // Taken before it is drawn: what changes meanwhile is drawn anew.
         m_painted = currentPicture();
         if (m_program)
-            m_program->draw(m_painted ? m_painted->view : currentView(),
+            m_program->draw(m_painted ? m_painted->view : PanoramaView::of(*m_state, m_viewport),
                             static_cast<GLuint>(m_textureProvider->textureId()));
     }
     painter->endNativePainting();
@@ -109,21 +104,6 @@ void OrbixSightView::computeViewportParameters(const QSize &targetPixels)
                          static_cast<float>(targetPixels.height()));
     if (m_viewport.size != size)
         m_viewport = Viewport::ofTarget(targetPixels);
-}
-
-PanoramaView OrbixSightView::currentView() const
-{
-    PanoramaView view;
-    view.matViewInverse = m_state->rotationMatrix();
-    view.viewport = m_viewport;
-    view.fovDeg = m_state->fov();
-    view.yawMin = m_state->yawMin();
-    view.yawMax = m_state->yawMax();
-    view.pitchMin = m_state->pitchMin();
-    view.pitchMax = m_state->pitchMax();
-    view.cameraYaw = m_state->yaw();
-    view.cameraPitch = m_state->pitch();
-    return view;
 }
 
 void OrbixSightView::computeFps()

@@ -74,7 +74,6 @@ private:
 
     void computeViewportParameters(const QSize &targetPixels);
     void computeFps();
-    PanoramaView currentView() const;
 
     std::unique_ptr<PanoramaProgram> m_program;
     OrbShaderCodeBuilder *m_builder = nullptr;

@@ -90,6 +90,9 @@ public:
     /// and roll from it.
     void setRotationMatrix(const QMatrix4x4 &matrix, bool updateAngles = true);
 
+    /// Derives it from the angles, for those who set these without.
+    void rebuildRotationMatrix();
+
     void setTouchMode(bool touchMode);
 
     /// Opens the entry of the playlist. The index that stands already changes nothing.
@@ -175,7 +178,6 @@ private:
     using Notify = void (OrbGlobalObject::*)();
 
     bool assign(float &member, float value, Notify changed);
-    void rebuildRotationMatrix();
     void rebuildCorrectionMatrix();
     void invokeProcessFileSource(const QVariant &source, bool checkFile, const QString &error);
 

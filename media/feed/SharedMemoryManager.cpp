@@ -65,6 +65,12 @@ int SharedMemoryManager::currentTexture()
     return int(texture->textureId());
 }
 
+int SharedMemoryManager::textureName() const
+{
+    const QOpenGLTexture *texture = m_feedTexture;
+    return texture ? int(texture->textureId()) : 0;
+}
+
 void SharedMemoryManager::prepare(QOpenGLContext *scene)
 {
     m_thread = std::make_unique<SharedMemoryThread>(this, scene);

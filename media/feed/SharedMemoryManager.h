@@ -43,6 +43,9 @@ public:
     /// feed started. Without a context, as on the main thread, it only tells the name.
     int currentTexture();
 
+    /// The same name, and nothing but that. Any thread.
+    int textureName() const;
+
     /// A number that changes with what the texture shows.
     int contents() const { return m_contents; }
 

@@ -118,14 +118,27 @@ bool isInside(const Place &place)
     return place.x >= 0 && place.x <= 1 && place.y >= 0 && place.y <= 1;
 }
 
-/// The first eye's half, which is all that a window shows.
-Place firstEye(const Place &place, int stereoMode)
+/// The eye's half; a window shows the first eye's.
+Place halfOfEye(const Place &place, const ViewSettings &view)
 {
-    if (stereoMode == Builder::STEREO_3D_OVERUNDER)
-        return {place.x, place.y / 2};
-    if (stereoMode == Builder::STEREO_3D_SIDEBYSIDE)
-        return {place.x / 2, place.y};
+    const double skipped = view.eye && view.eye->second ? 0.5 : 0;
+    if (view.stereoMode == Builder::STEREO_3D_OVERUNDER)
+        return {place.x, skipped + place.y / 2};
+    if (view.stereoMode == Builder::STEREO_3D_SIDEBYSIDE)
+        return {skipped + place.x / 2, place.y};
     return place;
+}
+
+/// The ray of a headset's eye through a point, whose distances from the picture's centre are in
+/// halves of its smaller side.
+Direction eyeRay(double right, double up, const ViewSettings &view)
+{
+    const EyeSettings &eye = *view.eye;
+    const double zoom = std::tan(double(view.fovDeg) * kPi / 360);
+    const double x = zoom * right; // -1 to 1 is what the eye's angles enclose
+    const double y = zoom * up / eye.scaleCorrector;
+    return {((1 + x) * eye.rightTan - (1 - x) * eye.leftTan) / 2,
+            ((1 + y) * eye.upTan - (1 - y) * eye.downTan) / 2, -1};
 }
 
 /// Linear filtering between the four nearest texel centres; beyond the edge lies the edge's colour.
@@ -160,6 +173,8 @@ std::optional<Place> placeInSource(double x, double y, const QSize &size, const 
         const double unit = std::min(size.width(), size.height()) / 2.0;
         const double right = (x - size.width() / 2.0) / unit;
         const double up = (y - size.height() / 2.0) / unit;
+        if (view.eye)
+            return inEquirectangular(onSphere(intoWorld(eyeRay(right, up, view), view)), view);
         const double radius = std::hypot(right, up);
         const auto angle = angleFromAxis(view.projection, radius, double(view.fovDeg) * kPi / 180);
         const bool centre = radius == 0;
@@ -191,7 +206,7 @@ ReferencePicture::ReferencePicture(const QImage &panorama, const ViewSettings &s
                 *pixel = {OutsideSource, {}};
                 continue;
             }
-            Colour colour = sample(panorama, firstEye(*place, settings.stereoMode));
+            Colour colour = sample(panorama, halfOfEye(*place, settings));
             if (settings.exchangedColours)
                 std::swap(colour[0], colour[2]);
             const EffectResult result = applyEffect(settings.effect, neutralColourChain(colour), y,

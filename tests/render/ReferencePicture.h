@@ -5,7 +5,19 @@
 #include <QImage>
 #include <QSize>
 
+#include <optional>
 #include <vector>
+
+/// An eye of a headset: tangents of the half angles of its view, all positive.
+struct EyeSettings
+{
+    double upTan = 1;
+    double downTan = 1;
+    double leftTan = 1;
+    double rightTan = 1;
+    double scaleCorrector = 1; ///< by which heights are divided
+    bool second = false;       ///< looks at the second picture of a stereo source
+};
 
 /// All that decides what the panorama looks like. Angles are in radians but the field of view.
 struct ViewSettings
@@ -26,6 +38,7 @@ struct ViewSettings
     float yawMax = 3.1415927F;
     float pitchMin = -1.5707964F;
     float pitchMax = 1.5707964F;
+    std::optional<EyeSettings> eye; ///< none for a window; rectilinear else
 };
 
 /// The picture of a panorama by the geometry of its projections, in double precision, one pixel at
