@@ -9,6 +9,7 @@
 #include "OrbSettingsManager.h"
 #include "OrbTools.h"
 #include "Product.h"
+#include "Simulation.h"
 
 #include <QDir>
 #include <QLocale>
@@ -51,6 +52,7 @@ void installCrashHandler()
 int run(int argc, char **argv)
 {
     const QString startFolder = QDir::currentPath();
+    Simulation::setFolder(startFolder);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 

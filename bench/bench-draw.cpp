@@ -1,8 +1,8 @@
 // Drawing one frame of the panorama, against a plain copy of the same texture to the same target,
 // with desktop OpenGL and OpenGL ES.
 
+#include "NoisePanorama.h"
 #include "OrbShaderCodeBuilder.h"
-#include "PanoramaProgram.h"
 #include "RatioTable.h"
 
 #include <QGuiApplication>
@@ -19,9 +19,6 @@
 
 namespace {
 
-constexpr QSize kPanoramaSize(4096, 2048);
-constexpr float kPi = 3.14159265F;
-
 constexpr char kCopyVertexShader[] = "attribute highp vec4 vertex;\n"
                                      "varying highp vec2 coordinate;\n"
                                      "void main()\n"
@@ -36,18 +33,6 @@ constexpr char kCopyFragmentShader[] =
     "void main() { gl_FragColor = texture2D(uSampler, coordinate); }\n";
 
 constexpr GLfloat kQuad[] = {0, 0, 0, 1, 1, 1, 1, 0};
-
-/// Colours without a pattern, so that no shortcut of the driver helps.
-std::vector<quint32> noise()
-{
-    std::vector<quint32> pixels(size_t(kPanoramaSize.width()) * size_t(kPanoramaSize.height()));
-    quint32 value = 1;
-    for (quint32 &pixel : pixels) {
-        value = value * 1664525U + 1013904223U;
-        pixel = value >> 8U | 0xff000000U;
-    }
-    return pixels;
-}
 
 /// A context with the panorama's texture in it.
 class Canvas
@@ -79,13 +64,7 @@ Canvas::Canvas(QSurfaceFormat::RenderableType kind)
     m_context.setFormat(format);
     if (!m_context.create() || !begin())
         return;
-    QOpenGLFunctions *gl = functions();
-    gl->glGenTextures(1, &m_texture);
-    gl->glBindTexture(GL_TEXTURE_2D, m_texture);
-    gl->glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-    gl->glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-    gl->glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, kPanoramaSize.width(), kPanoramaSize.height(), 0,
-                     GL_RGBA, GL_UNSIGNED_BYTE, noise().data());
+    m_texture = NoisePanorama::texture();
 }
 
 Canvas::~Canvas()
@@ -125,12 +104,7 @@ void drawPanorama(benchmark::State &state, Canvas &canvas, const QSize &size, in
     if (!program)
         return state.SkipWithError("The shader cannot be built");
 
-    PanoramaView view;
-    view.viewport = Viewport::ofTarget(size);
-    view.yawMin = -kPi;
-    view.yawMax = kPi;
-    view.pitchMin = -kPi / 2;
-    view.pitchMax = kPi / 2;
+    const PanoramaView view = NoisePanorama::view(size);
     drawFrames(state, canvas, size, [&] { program->draw(view, canvas.texture()); });
 }
 

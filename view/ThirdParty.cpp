@@ -37,6 +37,10 @@ constexpr Notice kNotices[] = {
     {"libjpeg-turbo ",
      "This software is based in part on the work of the Independent JPEG Group.\n"
      "Its licences stand in /usr/share/doc/libjpeg62-turbo/copyright."},
+    {"OpenHMD ",
+     "Copyright (C) 2013 Fredrik Hultin and Jakob Bornecrantz.\n"
+     "Licensed under the Boost Software License, version 1.0.\n"
+     "Its text stands in /usr/share/doc/libopenhmd0/copyright."},
     {"oneAPI Threading Building Blocks ",
      "Copyright (c) 2005-2022 Intel Corporation.\n"
      "Licensed under the Apache License, version 2.0.\n"

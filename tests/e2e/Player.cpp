@@ -86,16 +86,28 @@ QVariantMap Player::settings() const
     return map;
 }
 
-QJsonObject Player::state()
+QJsonObject Player::ask(const QByteArray &command)
 {
-    m_process.write("state\n");
+    m_process.write(command + '\n');
     QElapsedTimer waiting;
     waiting.start();
     while (!m_process.canReadLine() && waiting.elapsed() < kAnswerMs
            && m_process.state() != QProcess::NotRunning)
         m_process.waitForReadyRead(kAskAgainMs);
-    m_lastState = QJsonDocument::fromJson(m_process.readLine()).object();
+    return QJsonDocument::fromJson(m_process.readLine()).object();
+}
+
+QJsonObject Player::state()
+{
+    m_lastState = ask("state");
     return m_lastState;
+}
+
+QVariant Player::value(const char *object, const char *property)
+{
+    return ask(QByteArray("value ") + object + ' ' + property)
+        .value(QLatin1String("value"))
+        .toVariant();
 }
 
 bool Player::waitForState(const std::function<bool(const QJsonObject &)> &isWanted)

@@ -43,6 +43,9 @@ public:
     /// Asks for the state until it pleases; false after the deadline, or when no answer comes.
     bool waitForState(const std::function<bool(const QJsonObject &)> &isWanted);
 
+    /// A property of an object that the scene knows by this name, once a window is shown.
+    QVariant value(const char *object, const char *property);
+
     /// The state that was last told.
     QJsonObject lastState() const { return m_lastState; }
 
@@ -81,6 +84,9 @@ public:
 
 private:
     QString settingsFile() const;
+
+    /// What the driver answers to a command; empty if it does not in time.
+    QJsonObject ask(const QByteArray &command);
 
     QTemporaryDir m_files;
     QString m_program;

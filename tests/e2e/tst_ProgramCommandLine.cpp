@@ -50,6 +50,7 @@ private:
 private slots:
     void aWrongOptionEndsTheProgramWithAMessage_data();
     void aWrongOptionEndsTheProgramWithAMessage();
+    void withoutOpenGlTheProgramSaysSo();
     void theDemoFillsTheScreenWithoutAPopup_data();
     void theDemoFillsTheScreenWithoutAPopup();
     void aHostileFileIsReportedAndTheProgramGoesOn_data();
@@ -93,6 +94,18 @@ void tst_ProgramCommandLine::aWrongOptionEndsTheProgramWithAMessage()
     QCOMPARE(player.ending(), QStringLiteral("1\norbixsight: ") + message);
     QCOMPARE(player.log(QStringLiteral("start")).size(), 1);
     QCOMPARE(player.log(QStringLiteral("frame")).size(), 0);
+}
+
+void tst_ProgramCommandLine::withoutOpenGlTheProgramSaysSo()
+{
+    Player player;
+    player.setEnvironment(QStringLiteral("QT_XCB_GL_INTEGRATION"), QStringLiteral("none"));
+    player.start({});
+    QVERIFY(player.waitForState([](const QJsonObject &state) {
+        return Player::shows(state, QStringLiteral("OpenGL 2.0 minimum is required."));
+    }));
+    player.order("dismiss");
+    QCOMPARE(player.ending(QStringLiteral(".*")), QStringLiteral("0")); // Qt has its say, too
 }
 
 void tst_ProgramCommandLine::theDemoFillsTheScreenWithoutAPopup_data()

@@ -32,6 +32,7 @@ private slots:
     void devicesExcludeOneAnother_data();
     void devicesExcludeOneAnother();
     void allButtonsStandInOneRowWithNames();
+    void theHelpNamesTheDevicesThatAreThere();
 };
 
 void tst_MainWindowDevices::init()
@@ -231,6 +232,28 @@ void tst_MainWindowDevices::allButtonsStandInOneRowWithNames()
     }
     QCOMPARE(namelessHotPlaces(), QStringList());
     keepPicture(QStringLiteral("bar-devices"));
+}
+
+void tst_MainWindowDevices::theHelpNamesTheDevicesThatAreThere()
+{
+    key(Qt::Key_H);
+    const QString others = QStringLiteral("E : change effect \nF : fullscreen on/off \n%1"
+                                          "H : show/hide shortcuts \n%2P : change projection \n");
+    const auto helpSays = [this](const QString &text) {
+        return item([&text](QQuickItem *candidate) {
+                   return candidate->isVisible()
+                       && candidate->property("text").toString().contains(text);
+               })
+            != nullptr;
+    };
+    const QString fps = QStringLiteral("oculus fps : 0\nvideo decoding fps : ");
+    QVERIFY(helpSays(others.arg(QString(), QString())));
+    QVERIFY(!helpSays(fps));
+    makeAllAvailable();
+    QVERIFY(helpSays(others.arg(QStringLiteral("G : gyro on/off \n"),
+                                QStringLiteral("O : oculus on/off \nL : leap motion on/off \n"))));
+    QVERIFY(helpSays(fps));
+    key(Qt::Key_H);
 }
 
 int main(int argc, char **argv)

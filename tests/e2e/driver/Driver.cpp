@@ -212,6 +212,13 @@ void Driver::obey(const QByteArray &command)
         QMetaObject::invokeMethod(m_window, "OnMiniDump");
     } else if (command.startsWith("find ")) {
         answer(placeOf(QString::fromUtf8(command.mid(5))));
+    } else if (command.startsWith("value ")) {
+        const QList<QByteArray> words = command.split(' ');
+        const QVariant value = sceneObject(words.value(1))->property(words.value(2));
+        answer({{QStringLiteral("value"), QJsonValue::fromVariant(value)}});
+    } else if (command == "dismiss") {
+        if (QWidget *message = QApplication::activeModalWidget())
+            message->close();
     } else if (command == "state") {
         answer(state());
     } else {
@@ -226,14 +233,21 @@ void Driver::answer(const QJsonObject &object)
         qFatal("The driver cannot answer");
 }
 
-QObject *Driver::camera() const
+QObject *Driver::sceneObject(const QByteArray &name) const
 {
     const auto *view = qobject_cast<const QQuickView *>(m_window);
     if (!view)
         qFatal("The driver can do nothing before the window is shown");
-    return view->rootContext()
-        ->contextProperty(QStringLiteral("orbGlobalObject"))
-        .value<QObject *>();
+    auto *object =
+        view->rootContext()->contextProperty(QString::fromLatin1(name)).value<QObject *>();
+    if (!object)
+        qFatal("The driver finds no object %s", name.constData());
+    return object;
+}
+
+QObject *Driver::camera() const
+{
+    return sceneObject("orbGlobalObject");
 }
 
 void Driver::open(const QString &text)

@@ -18,11 +18,12 @@
 /// as soon as a frame was shown, the next one with the second. Else it obeys the lines of standard
 /// input: "state" answers with a JSON object on a line of standard output, "open TEXT" opens a file
 /// or an address as the dialog for it does, "find NAME" answers where on the screen the middle of
-/// what has this accessible name is, "place X Y WIDTH HEIGHT" puts the window there on the screen,
-/// "drag X Y DX DY" drags the mouse over it from a place in it, "key KEYS", such as "key Ctrl+Up",
-/// presses keys in it, "turn YAW PITCH ROLL" turns the camera to these radians, "dump" asks the
-/// window for a report of the running program, "close" closes it, and "exit N" ends the event loop
-/// with N.
+/// what has this accessible name is, "value OBJECT PROPERTY" answers with a property of an object
+/// that the scene knows by this name, "dismiss" closes the message that is shown over the window,
+/// "place X Y WIDTH HEIGHT" puts the window there on the screen, "drag X Y DX DY" drags the mouse
+/// over it from a place in it, "key KEYS", such as "key Ctrl+Up", presses keys in it, "turn YAW
+/// PITCH ROLL" turns the camera to these radians, "dump" asks the window for a report of the
+/// running program, "close" closes it, and "exit N" ends the event loop with N.
 ///
 /// Main thread.
 class Driver : public QObject
@@ -40,6 +41,7 @@ private:
     void readCommands();
     void obey(const QByteArray &command);
     static void answer(const QJsonObject &object);
+    QObject *sceneObject(const QByteArray &name) const;
     QObject *camera() const;
     void open(const QString &text);
     void drag(const QPointF &from, const QPointF &by);
