@@ -26,17 +26,18 @@ public:
 /// The connection to the hand tracker: the tracking service of this machine, or the script of
 /// ORBIX_SIMULATE's "hands".
 ///
-/// Threads: one of its own from the constructor to the destructor, which waits for it; the listener
-/// is called there. All functions may be called from any thread, also from within a callback,
-/// except for `removeListener` and the destructor, which wait for a running callback.
+/// Lives within that of the application object. Threads: one of its own from the constructor to the
+/// destructor, which waits for it; the listener is called there. All functions may be called from
+/// any thread, also from within a callback, except for `removeListener` and the destructor, which
+/// wait for a running callback.
 class Controller
 {
 public:
-    /// Makes the source, on the controller's thread.
+    /// Makes the source, never none, on the controller's thread.
     using MakeSource = std::function<std::unique_ptr<FrameSource>()>;
 
-    Controller();
-    explicit Controller(MakeSource makeSource);
+    /// With a source of the caller's, or the usual one.
+    explicit Controller(MakeSource makeSource = {});
     ~Controller();
 
     Controller(const Controller &) = delete;

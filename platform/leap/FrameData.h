@@ -36,6 +36,9 @@ struct HandData
     float confidence = 1;        ///< 0 to 1
     float timeVisible = 0;       ///< seconds
     std::optional<Vector> stabilizedPalmPosition;
+    /// Of the two directions above; no service sends them.
+    std::optional<Vector> stabilizedNormal;
+    std::optional<Vector> stabilizedDirection;
     std::optional<MotionData> motion;
 };
 

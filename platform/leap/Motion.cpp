@@ -7,11 +7,17 @@ namespace {
 
 using namespace Leap;
 
+Vector palmOf(const HandData &hand)
+{
+    return hand.stabilizedPalmPosition.value_or(hand.palmPosition);
+}
+
 /// Axes at right angles of a hand: to the side, up from the back of the hand, back to the arm.
 std::array<Vector, 3> basis(const HandData &hand)
 {
-    const Vector back = -hand.direction.normalized();
-    const Vector side = (-hand.palmNormal).cross(back).normalized();
+    const Vector back = -hand.stabilizedDirection.value_or(hand.direction).normalized();
+    const Vector normal = hand.stabilizedNormal.value_or(hand.palmNormal);
+    const Vector side = (-normal).cross(back).normalized();
     return {side, back.cross(side), back};
 }
 
@@ -24,41 +30,43 @@ float angleBetween(const std::array<Vector, 3> &before, const std::array<Vector,
     return std::acos(std::clamp((trace - 1) / 2, -1.0F, 1.0F));
 }
 
-float fourthPower(float value)
+float sharpened(float share)
 {
-    return value * value * value * value;
+    return share * share * share * share * share * share;
 }
 
 /// Ways of the surface by each part of the motion, mm.
 void weigh(Motion &motion, float byTranslation, float byRotation, float byScale)
 {
-    constexpr float kRest = 0.02F; // mm a frame; less is the sensor's noise
+    constexpr float kRest = 0.1F; // mm a frame; less is the sensor's noise, or a hand held still
     const float most = std::max({byTranslation, byRotation, byScale});
     if (!(most > kRest) || !std::isfinite(most))
         return;
-    const float translation = fourthPower(byTranslation / most);
-    const float rotation = fourthPower(byRotation / most);
-    const float scale = fourthPower(byScale / most);
+    const float translation = sharpened(byTranslation / most);
+    const float rotation = sharpened(byRotation / most);
+    const float scale = sharpened(byScale / most);
     const float all = translation + rotation + scale;
     motion.translationProbability = translation / all;
     motion.rotationProbability = rotation / all;
     motion.scaleProbability = scale / all;
 }
 
-Motion weighed(const Vector &translation, float angle, float logScale, float radius)
+/// `way` is that of the palms, `steadied` the same by what is stabilised.
+Motion weighed(const Vector &way, const Vector &steadied, float angle, float logScale, float radius)
 {
     Motion motion;
-    motion.translation = translation;
+    motion.translation = way;
     motion.angle = angle;
     motion.scale = std::exp(std::clamp(logScale, -10.0F, 10.0F));
-    weigh(motion, translation.magnitude(), angle * radius, std::abs(logScale) * radius);
+    weigh(motion, steadied.magnitude(), angle * radius, std::abs(logScale) * radius);
     return motion;
 }
 
 Motion counted(const MotionData &before, const MotionData &now, float radius)
 {
-    return weighed(now.translation - before.translation,
-                   angleBetween(before.rotation, now.rotation), now.scale - before.scale, radius);
+    const Vector way = now.translation - before.translation;
+    return weighed(way, way, angleBetween(before.rotation, now.rotation), now.scale - before.scale,
+                   radius);
 }
 
 const HandData *find(const FrameData &frame, int id)
@@ -70,6 +78,11 @@ const HandData *find(const FrameData &frame, int id)
 
 constexpr float kHandRadius = 50; // mm, from the palm to the middle of the fingers
 
+Vector tipOf(const PointableData &pointable)
+{
+    return pointable.stabilizedTipPosition.value_or(pointable.tipPosition);
+}
+
 /// How far the hand is spread: the mean distance of its finger tips from their middle; 0 for none.
 float spread(const FrameData &frame, int handId)
 {
@@ -77,7 +90,7 @@ float spread(const FrameData &frame, int handId)
     int count = 0;
     for (const PointableData &pointable : frame.pointables) {
         if (pointable.handId == handId && !pointable.isTool) {
-            middle += pointable.tipPosition;
+            middle += tipOf(pointable);
             ++count;
         }
     }
@@ -87,7 +100,7 @@ float spread(const FrameData &frame, int handId)
     float sum = 0;
     for (const PointableData &pointable : frame.pointables) {
         if (pointable.handId == handId && !pointable.isTool)
-            sum += pointable.tipPosition.distanceTo(middle);
+            sum += tipOf(pointable).distanceTo(middle);
     }
     return sum / float(count);
 }
@@ -103,14 +116,14 @@ Leap::Motion Leap::motionBetween(const HandData &before, const HandData &now)
 {
     if (before.motion && now.motion)
         return counted(*before.motion, *now.motion, kHandRadius);
-    return weighed(now.palmPosition - before.palmPosition, angleBetween(basis(before), basis(now)),
-                   0, kHandRadius);
+    const Vector way = now.palmPosition - before.palmPosition;
+    return weighed(way, way, angleBetween(basis(before), basis(now)), 0, kHandRadius);
 }
 
 Leap::Motion Leap::motionBetween(const FrameData &before, const FrameData &now)
 {
-    Vector middleBefore;
-    Vector middleNow;
+    Vector way;
+    Vector steadied;
     float angles = 0;
     int count = 0;
     const HandData *firstBefore = nullptr;
@@ -121,8 +134,8 @@ Leap::Motion Leap::motionBetween(const FrameData &before, const FrameData &now)
         const HandData *then = find(before, hand.id);
         if (!then)
             continue;
-        middleBefore += then->palmPosition;
-        middleNow += hand.palmPosition;
+        way += hand.palmPosition - then->palmPosition;
+        steadied += palmOf(hand) - palmOf(*then);
         angles += angleBetween(basis(*then), basis(hand));
         if (!firstNow) {
             firstBefore = then;
@@ -137,14 +150,15 @@ Leap::Motion Leap::motionBetween(const FrameData &before, const FrameData &now)
     if (before.motion && now.motion)
         return counted(*before.motion, *now.motion, kHandRadius);
 
-    const Vector translation = (middleNow - middleBefore) / float(count);
+    way /= float(count);
+    steadied /= float(count);
     if (count == 1) {
         const float ratio = logRatio(spread(now, firstNow->id), spread(before, firstNow->id));
-        return weighed(translation, angles, ratio, kHandRadius);
+        return weighed(way, way, angles, ratio, kHandRadius);
     }
-    const Vector apartBefore = lastBefore->palmPosition - firstBefore->palmPosition;
-    const Vector apartNow = lastNow->palmPosition - firstNow->palmPosition;
-    return weighed(translation, apartBefore.angleTo(apartNow),
+    const Vector apartBefore = palmOf(*lastBefore) - palmOf(*firstBefore);
+    const Vector apartNow = palmOf(*lastNow) - palmOf(*firstNow);
+    return weighed(way, steadied, apartBefore.angleTo(apartNow),
                    logRatio(apartNow.magnitude(), apartBefore.magnitude()),
                    apartNow.magnitude() / 2);
 }

@@ -7,7 +7,7 @@ namespace Leap {
 /// What hands did between two moments.
 struct Motion
 {
-    Vector translation; ///< mm
+    Vector translation; ///< of the palms, mm
     float angle = 0;    ///< radians, at least 0
     float scale = 1;    ///< factor
     /// How likely each part was meant. As shares of the ways that the hands' surface went by each
@@ -18,11 +18,13 @@ struct Motion
 };
 
 /// Of one hand. Of two moments that both carry the service's own count, by that; otherwise by palm
-/// and fingers.
+/// and fingers, stabilised where that is known, except for the way: whoever lets something go on
+/// where the hand has stopped must not see it lag.
 Motion motionBetween(const HandData &before, const HandData &now);
 
 /// Of all hands that are in both moments: with two hands or more, their turn around each other and
-/// their distance count as rotation and scale.
+/// their distance count as rotation and scale, and how likely each part is goes by stabilised
+/// places.
 Motion motionBetween(const FrameData &before, const FrameData &now);
 
 } // namespace Leap

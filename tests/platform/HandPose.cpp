@@ -6,6 +6,8 @@ namespace {
 
 using Leap::Vector;
 
+constexpr float kBent = 1.5707963F; // radians
+
 /// Rotates about the axis by Rodrigues' formula.
 Vector rotated(const Vector &vector, const Vector &axis, float angle)
 {
@@ -81,7 +83,7 @@ void addHand(Leap::FrameData &frame, const HandPose &pose)
     hand.grabStrength = pose.grab;
     hand.pinchStrength = pose.pinch;
     hand.confidence = pose.confidence;
-    hand.timeVisible = 1;
+    hand.timeVisible = pose.timeVisible;
     frame.hands.push_back(hand);
 
     // To the hand's right, whichever hand it is; the thumb is on the inner side.
@@ -94,11 +96,12 @@ void addHand(Leap::FrameData &frame, const HandPose &pose)
         finger.id = pose.fingerId(type);
         finger.handId = pose.id;
         finger.type = type;
-        finger.isExtended = pose.extended[place];
+        const float bend = pose.extended[place] ? pose.bend[place] : kBent;
+        finger.isExtended = bend < kBent / 2;
         finger.length = type == 0 ? 50 : 60;
         finger.width = 18;
-        finger.timeVisible = 1;
-        finger.direction = finger.isExtended ? pose.direction : pose.normal;
+        finger.timeVisible = pose.timeVisible;
+        finger.direction = pose.direction * std::cos(bend) + pose.normal * std::sin(bend);
         finger.joints[0] = root - pose.direction * 50;
         finger.joints[1] = root + pose.direction * 30;
         finger.joints[2] = finger.joints[1] + finger.direction * 30;

@@ -15,7 +15,11 @@ struct HandPose
     float grab = 0;
     float pinch = 0;
     float confidence = 1;
+    float timeVisible = 1;                                      ///< seconds
     std::array<bool, 5> extended{true, true, true, true, true}; ///< from the thumb
+    /// How far extended fingers are bent towards the palm, radians. From 45 degrees on a finger
+    /// counts as extended no more; others are bent by 90.
+    std::array<float, 5> bend{};
     /// Of the tips from where stretched or bent fingers have them, mm.
     std::array<Leap::Vector, 5> tipOffset;
 
