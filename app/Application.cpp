@@ -208,6 +208,7 @@ void Application::cleanUp()
     VlcOptions::process().save(*m_settings);
     // The scene's bindings read the objects: it goes before them.
     m_view->setSource(QUrl());
+    m_leap->stop();
     m_realSense.reset();
     m_videoPlugin.reset();
     m_view.reset();
