@@ -43,7 +43,8 @@ public:
     /// Asks for the state until it pleases; false after the deadline, or when no answer comes.
     bool waitForState(const std::function<bool(const QJsonObject &)> &isWanted);
 
-    /// A property of an object that the scene knows by this name, once a window is shown.
+    /// A property of an object that the scene knows by this name, or of one that hangs on it as
+    /// "object.property", once a window is shown.
     QVariant value(const char *object, const char *property);
 
     /// The state that was last told.

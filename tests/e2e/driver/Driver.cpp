@@ -216,6 +216,11 @@ void Driver::obey(const QByteArray &command)
         const QList<QByteArray> words = command.split(' ');
         const QVariant value = sceneObject(words.value(1))->property(words.value(2));
         answer({{QStringLiteral("value"), QJsonValue::fromVariant(value)}});
+    } else if (command.startsWith("set ")) {
+        const QList<QByteArray> words = command.split(' ');
+        const QVariant value = QString::fromLatin1(words.value(3));
+        if (!sceneObject(words.value(1))->setProperty(words.value(2), value))
+            qFatal("The driver cannot obey %s", command.constData());
     } else if (command == "dismiss") {
         if (QWidget *message = QApplication::activeModalWidget())
             message->close();
@@ -238,8 +243,10 @@ QObject *Driver::sceneObject(const QByteArray &name) const
     const auto *view = qobject_cast<const QQuickView *>(m_window);
     if (!view)
         qFatal("The driver can do nothing before the window is shown");
-    auto *object =
-        view->rootContext()->contextProperty(QString::fromLatin1(name)).value<QObject *>();
+    const QStringList path = QString::fromLatin1(name).split(QLatin1Char('.'));
+    auto *object = qmlContext(view->rootObject())->contextProperty(path.first()).value<QObject *>();
+    for (int i = 1; object && i < path.size(); ++i)
+        object = object->property(path[i].toLatin1()).value<QObject *>();
     if (!object)
         qFatal("The driver finds no object %s", name.constData());
     return object;

@@ -19,11 +19,12 @@
 /// input: "state" answers with a JSON object on a line of standard output, "open TEXT" opens a file
 /// or an address as the dialog for it does, "find NAME" answers where on the screen the middle of
 /// what has this accessible name is, "value OBJECT PROPERTY" answers with a property of an object
-/// that the scene knows by this name, "dismiss" closes the message that is shown over the window,
-/// "place X Y WIDTH HEIGHT" puts the window there on the screen, "drag X Y DX DY" drags the mouse
-/// over it from a place in it, "key KEYS", such as "key Ctrl+Up", presses keys in it, "turn YAW
-/// PITCH ROLL" turns the camera to these radians, "dump" asks the window for a report of the
-/// running program, "close" closes it, and "exit N" ends the event loop with N.
+/// that the scene knows by this name, or of one that is a property of such an object, with a dot
+/// between them, "set OBJECT PROPERTY VALUE" sets it, "dismiss" closes the message that is shown
+/// over the window, "place X Y WIDTH HEIGHT" puts the window there on the screen, "drag X Y DX DY"
+/// drags the mouse over it from a place in it, "key KEYS", such as "key Ctrl+Up", presses keys in
+/// it, "turn YAW PITCH ROLL" turns the camera to these radians, "dump" asks the window for a report
+/// of the running program, "close" closes it, and "exit N" ends the event loop with N.
 ///
 /// Main thread.
 class Driver : public QObject
