@@ -105,9 +105,14 @@ int main(int argc, char **argv)
     Loader loader;
     state.setMediaLoader(&loader);
     const QList<QByteArray> lines = messages();
+    std::atomic<int> tilts{0};
+    QObject::connect(
+        &state, &OrbGlobalObject::pitchChanged, &state, [&tilts] { ++tilts; },
+        Qt::DirectConnection);
 
     AimTable table;
     for (int i = 0; i < AimTable::repetitions(); ++i) {
+        tilts = 0;
         std::atomic<Source *> source{nullptr};
         OrbLeap leap(&state, &view, &builder, [&source] {
             auto made = std::make_unique<Source>();
@@ -127,6 +132,10 @@ int main(int argc, char **argv)
         QCoreApplication::processEvents(); // the media player is found
         QMetaObject::invokeMethod(
             source, [&] { times = measure(*source, lines); }, Qt::BlockingQueuedConnection);
+        if (tilts < 100) {
+            std::printf("The hands did not tilt the view: nothing was analysed\n");
+            return 1;
+        }
         const auto at = [](const std::vector<double> &sorted, std::size_t percent) {
             return sorted[sorted.size() * percent / 100];
         };
