@@ -1,7 +1,6 @@
 #include "Controller.h"
 
-#include "FrameSource.h"
-
+#include "TestTracker.h"
 #include "WarningsFail.h"
 
 #include <QTcpServer>
@@ -18,68 +17,12 @@ using namespace Leap;
 
 namespace {
 
-/// A source that tells what the test wants.
-class TestSource : public FrameSource
-{
-    Q_OBJECT
-
-public:
-    explicit TestSource(std::promise<TestSource *> *started)
-        : m_started(started)
-    {}
-
-    void start() override { m_started->set_value(this); }
-
-    /// These return when the controller is through with it.
-    void connectDevice(bool isThere)
-    {
-        tell([=] { emit connectedChanged(isThere); });
-    }
-    void sendFrame(const FrameData &frame, Qt::ConnectionType how = Qt::BlockingQueuedConnection)
-    {
-        tell([=] { emit frameArrived(frame); }, how);
-    }
-    void sendFrames(int first, int last)
-    {
-        FrameData frame;
-        for (int id = first; id <= last; ++id) {
-            frame.id = id;
-            sendFrame(frame);
-        }
-    }
-
-private:
-    /// By a list of its own, since the thread sanitizer does not see the locks of Qt's.
-    void tell(std::function<void()> what, Qt::ConnectionType how = Qt::BlockingQueuedConnection)
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_toTell.push_back(std::move(what));
-        }
-        QMetaObject::invokeMethod(this, "tellNext", how);
-    }
-    Q_INVOKABLE void tellNext()
-    {
-        std::function<void()> what;
-        {
-            const std::lock_guard lock(m_mutex);
-            what = std::move(m_toTell.front());
-            m_toTell.pop_front();
-        }
-        what();
-    }
-
-    std::promise<TestSource *> *m_started;
-    std::mutex m_mutex;
-    std::deque<std::function<void()>> m_toTell;
-};
-
-/// A controller with such a source, which lives on the controller's thread.
+/// A controller with a tracker of the test's.
 struct Tracker
 {
-    std::promise<TestSource *> started;
-    Controller controller{[this] { return std::make_unique<TestSource>(&started); }};
-    TestSource *source = started.get_future().get();
+    std::promise<TestTracker *> started;
+    Controller controller{[this] { return std::make_unique<TestTracker>(&started); }};
+    TestTracker *source = started.get_future().get();
 };
 
 /// Notes what it is told: + and - for the device, and the newest frame's number.
@@ -278,8 +221,8 @@ void tst_LeapController::isReadFromOtherThreads()
 void tst_LeapController::endsAtOnce()
 {
     for (int i = 0; i < 100; ++i) {
-        std::promise<TestSource *> started;
-        const Controller controller([&] { return std::make_unique<TestSource>(&started); });
+        std::promise<TestTracker *> started;
+        const Controller controller([&] { return std::make_unique<TestTracker>(&started); });
         if (i % 2 != 0)
             started.get_future().wait();
     }
