@@ -63,7 +63,6 @@ List listOf(const FrameDataPtr &frame, const Items &items, const Fits &fits)
 
 const HandData kNoHand;
 const PointableData kNoPointable;
-const GestureData kNoGesture;
 
 } // namespace
 
@@ -157,7 +156,8 @@ float Leap::Hand::rotationProbability(const Frame &since) const
 
 const Leap::GestureData &Leap::Gesture::data() const
 {
-    return isValid() ? (*m_frame->gestures)[std::size_t(m_index)] : kNoGesture;
+    static const GestureData kNone;
+    return isValid() ? (*m_frame->gestures)[std::size_t(m_index)] : kNone;
 }
 
 Leap::Frame Leap::Gesture::frame() const

@@ -178,11 +178,13 @@ class Gesture
 public:
     using Type = GestureType;
     using State = GestureState;
+    // NOLINTBEGIN(readability-identifier-naming): the published names
     static constexpr Type TYPE_SWIPE = Type::Swipe;
     static constexpr Type TYPE_CIRCLE = Type::Circle;
     static constexpr Type TYPE_SCREEN_TAP = Type::ScreenTap;
     static constexpr Type TYPE_KEY_TAP = Type::KeyTap;
     static constexpr State STATE_START = State::Start;
+    // NOLINTEND(readability-identifier-naming)
 
     Gesture() = default;
     Gesture(FrameDataPtr frame, int index)

@@ -66,7 +66,7 @@ void ServiceSource::open()
     connect(m_socket, &QWebSocket::textMessageReceived, this, &ServiceSource::take);
     m_socket->open(m_url); // may fail at once
     if (m_socket)
-        m_socket->setReadBufferSize(2 * kMaxMessageBytes);
+        m_socket->setReadBufferSize(2 * qint64(kMaxMessageBytes));
 }
 
 void ServiceSource::greet()

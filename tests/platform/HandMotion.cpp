@@ -44,7 +44,8 @@ public:
         m_verb = words.first();
         QString last = m_verb;
         m_numbers.insert(last, {});
-        for (const QString &word : words.mid(1)) {
+        const QStringList rest = words.mid(1);
+        for (const QString &word : rest) {
             bool isNumber = false;
             const float number = word.toFloat(&isNumber);
             if (isNumber && std::isfinite(number))
@@ -169,7 +170,7 @@ HandMotion::Path tapPath(const Vector &way)
 HandMotion::Path parseEasedPath(Words &words)
 {
     const QString &verb = words.verb();
-    Shape shape;
+    Shape shape{};
     if (findShape(verb, &shape)) {
         words.take(verb, {});
         return [shape](const HandPose &pose, float share) { return shaped(pose, shape, share); };

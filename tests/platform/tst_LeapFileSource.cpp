@@ -105,7 +105,7 @@ void tst_LeapFileSource::startsAnewWithAClockThatDoes()
 {
     QByteArray lines = frame(100, 5'000'000'000);
     for (int id = 1; id <= 10; ++id)
-        lines += frame(id, id * 1000);
+        lines += frame(id, qint64(id) * 1000);
     QVector<qint64> atMs;
     QCOMPARE(played(lines + frame(11, 50'000), 4, &atMs), QStringLiteral("+ 100 10 11"));
     QVERIFY(atMs.at(3) - atMs.at(2) >= 39);

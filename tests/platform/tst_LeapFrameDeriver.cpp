@@ -214,7 +214,8 @@ void tst_LeapFrameDeriver::noMomentHarms()
                     pose.id = i / 2;
                     hands.push_back(pose);
                 }
-                const std::int64_t at = time == Time::max() ? time - 40 + step : time + step * 5000;
+                const std::int64_t at = time == Time::max() ? time - 40 + step
+                                                            : time + std::int64_t(step) * 5000;
                 FrameData frame = handFrame(step, at, hands);
                 frame.pointables[0].isTool = true;
                 deriver.complete(frame, GestureTypes::all());

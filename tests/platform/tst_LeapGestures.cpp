@@ -387,8 +387,8 @@ void tst_LeapGestures::aCircleOutlastsWhatIsShort()
     QFETCH(const int, lost);
     QFETCH(const int, count);
     auto frames = HandMotion("point in 0 | hold 0.2 | circle r 30 turns 3 in 3 steady").frames(100);
-    for (int i = 0; i < bent; ++i)
-        frames[std::size_t(150 + i)].pointables[1].isExtended = false;
+    for (std::size_t i = 0; i < std::size_t(bent); ++i)
+        frames[150 + i].pointables[1].isExtended = false;
     frames.erase(frames.begin() + 150, frames.begin() + 150 + lost);
     QCOMPARE(gesturesIn(frames).size(), std::size_t(count));
 }

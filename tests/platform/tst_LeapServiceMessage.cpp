@@ -414,7 +414,7 @@ void tst_LeapServiceMessage::knowsWhetherADeviceIsThere()
         } else {
             const bool isAttached = message.contains(QLatin1Char('+'));
             const bool isStreaming = message.contains(QLatin1Char('s'));
-            stream.take(DeviceEvent{message.left(1), {}, isAttached, isStreaming});
+            stream.take(DeviceEvent{message.mid(0, 1), {}, isAttached, isStreaming});
         }
         connected.append(QString::number(int(stream.isConnected())));
     }
