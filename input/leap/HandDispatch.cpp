@@ -160,11 +160,12 @@ void dispatchHands(const HandScene &scene, const HandState &state, const HandSwi
         dispatch.headset();
         break;
     case CameraMode::kHands:
-        if (hasPointables || !rests || state.planet.pinchHeld)
+        // A pull ends after the hand has gone, too.
+        if (hasPointables || !rests || state.planet.pinchHeld || state.planet.isPulled())
             dispatch.hands();
         break;
     case CameraMode::kPlanet:
-        if (hasPointables || !rests)
+        if (hasPointables || !rests || state.planet.isPulled())
             dispatch.planet();
         break;
     default:

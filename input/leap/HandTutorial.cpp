@@ -30,11 +30,6 @@ int HandTutorial::firstLesson(int cameraMode)
 
 void HandTutorial::setLesson(int lesson)
 {
-    go(lesson);
-}
-
-void HandTutorial::go(int lesson)
-{
     m_lesson = lesson;
     m_counter = 0;
 }
@@ -60,7 +55,7 @@ void HandTutorial::run(const Frame &frame, Stage &stage)
         return turn(frame, stage);
     case Swipe:
         if (stage.attempt(HandGesture::NextSwipe))
-            go(Fist);
+            setLesson(Fist);
         return;
     case Fist:
         return fist(frame);
@@ -90,7 +85,7 @@ void HandTutorial::endMoving(Stage &stage)
     if (m_counter <= kTurnEnough)
         return;
     stage.stopGliding();
-    go(Seek);
+    setLesson(Seek);
 }
 
 void HandTutorial::seek(const Frame &frame, Stage &stage)
@@ -104,11 +99,11 @@ void HandTutorial::seek(const Frame &frame, Stage &stage)
     stage.showProjection(OrbShaderCodeBuilder::RECTILINEAR);
     switch (frame.cameraMode) {
     case CameraMode::kHands:
-        return go(Pinch);
+        return setLesson(Pinch);
     case CameraMode::kFinger:
-        return go(Zoom);
+        return setLesson(Zoom);
     case CameraMode::kHeadset:
-        return go(Swipe);
+        return setLesson(Swipe);
     default:
         m_counter = 0;
     }
@@ -127,7 +122,7 @@ void HandTutorial::pinch(const Frame &frame, Stage &stage)
         m_counter = 0;
     }
     if (m_counter == 2 && stage.projection() == OrbShaderCodeBuilder::RECTILINEAR)
-        go(Zoom);
+        setLesson(Zoom);
 }
 
 void HandTutorial::zoom(Stage &stage)
@@ -138,7 +133,7 @@ void HandTutorial::zoom(Stage &stage)
     if (m_counter <= 60)
         return;
     stage.showProjection(OrbShaderCodeBuilder::RECTILINEAR);
-    go(Clap);
+    setLesson(Clap);
 }
 
 void HandTutorial::clap(const Frame &frame, Stage &stage)
@@ -154,11 +149,11 @@ void HandTutorial::clap(const Frame &frame, Stage &stage)
     stage.showProjection(OrbShaderCodeBuilder::RECTILINEAR);
     switch (frame.cameraMode) {
     case CameraMode::kHands:
-        return go(Hold);
+        return setLesson(Hold);
     case CameraMode::kFinger:
-        return go(Fist);
+        return setLesson(Fist);
     case CameraMode::kHeadset:
-        return go(Seek);
+        return setLesson(Seek);
     default:
         m_counter = 0;
     }
@@ -169,7 +164,7 @@ void HandTutorial::hold(Stage &stage)
     stage.forgetOneHandOpen();
     stage.attempt(HandGesture::TwoHands);
     if (stage.pitch() >= 1.3F && stage.pitch() <= 2.0F)
-        go(Turn);
+        setLesson(Turn);
 }
 
 void HandTutorial::turn(const Frame &frame, Stage &stage)
@@ -186,7 +181,7 @@ void HandTutorial::turn(const Frame &frame, Stage &stage)
     if (m_counter <= 3)
         return;
     stage.stopGliding();
-    go(Fist);
+    setLesson(Fist);
 }
 
 void HandTutorial::fist(const Frame &frame)
@@ -196,6 +191,6 @@ void HandTutorial::fist(const Frame &frame)
         m_counter = 1;
         m_stamp = frame.time;
     } else if (m_counter == 1 && isLong) {
-        go(frame.hasFist ? int(None) : int(Fist));
+        setLesson(frame.hasFist ? int(None) : int(Fist));
     }
 }

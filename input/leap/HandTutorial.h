@@ -23,7 +23,7 @@ public:
         Fist = 20
     };
 
-    /// What a lesson sees of a frame. `view…` are the view's and change with what is attempted.
+    /// What a lesson sees of a frame.
     struct Frame
     {
         qint64 time = 0; ///< µs
@@ -67,7 +67,6 @@ private:
     void hold(Stage &stage);
     void turn(const Frame &frame, Stage &stage);
     void fist(const Frame &frame);
-    void go(int lesson);
 
     int m_lesson = None;
     double m_counter = 0;

@@ -29,7 +29,7 @@
 
 namespace {
 
-constexpr int kFramesInUse = 52; // what the gestures look back at most
+constexpr int kFramesInUse = 52; // a pointer meaned over the last 30 of 20 looks back as far
 constexpr int kRestFrames = 20;  // without fingers until hands count as gone
 
 QString deviceMissing()
@@ -77,8 +77,10 @@ OrbLeap::OrbLeap(OrbGlobalObject *state, OrbQQuickView *view, OrbShaderCodeBuild
     connect(m_window, &QWindow::heightChanged, this, &OrbLeap::resizeHeight, Qt::UniqueConnection);
     connect(m_builder, &OrbShaderCodeBuilder::oculusModeChanged, this, &OrbLeap::oculusActivated,
             Qt::UniqueConnection);
+    // At once on either thread: what follows in the frame depends on it.
     connect(m_builder, &OrbShaderCodeBuilder::projectionChanged, this,
-            &OrbLeap::onProjectionChanged, Qt::UniqueConnection);
+            &OrbLeap::onProjectionChanged,
+            Qt::ConnectionType(Qt::DirectConnection | Qt::UniqueConnection));
     m_controller.addListener(m_listener);
 }
 
@@ -106,22 +108,32 @@ int OrbLeap::tutoState() const
 
 void OrbLeap::setActivated(bool activated)
 {
-    if (activated) {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_isSteering = activated;
+        if (activated) {
+            readView();
+            m_history.record(m_state, ViewHistory::kLength);
+        } else {
+            resetGestures();
+        }
+    }
+    if (activated)
         connect(&m_listener, &LeapListener::frameArrive, this, &OrbLeap::frameCaptured,
                 Qt::ConnectionType(Qt::DirectConnection | Qt::UniqueConnection));
-    } else {
+    else
         disconnect(&m_listener, &LeapListener::frameArrive, this, &OrbLeap::frameCaptured);
-        resetGestures();
-    }
     if (m_available && activated != m_activated)
         store(m_activated, activated, this, &OrbLeap::activatedChanged);
 }
 
 void OrbLeap::resetGestures()
 {
-    const std::lock_guard lock(m_mutex);
     m_state = HandState();
     onProjectionChanged();
+    if (m_isPressed)
+        postMouse({PointerStep::MouseEvent::Release, m_pointer.toPointF()});
+    m_isPressed = false;
     if (m_tutorial.lesson() != HandTutorial::None)
         setTutoState(HandTutorial::None);
 }
@@ -220,16 +232,16 @@ void OrbLeap::setTutoState(int state)
 {
     {
         const std::lock_guard lock(m_mutex);
+        if (state == kStartTutorial || state == HandTutorial::None)
+            resetView();
         if (state != kStartTutorial)
             m_tutorial.setLesson(state);
         else if (const int first = HandTutorial::firstLesson(m_cameraMode);
                  first != HandTutorial::None)
             m_tutorial.setLesson(first);
     }
-    if (state == kStartTutorial || state == HandTutorial::None) {
-        resetView();
+    if (state == kStartTutorial || state == HandTutorial::None)
         onMainThread(&OrbLeap::seekToStart);
-    }
     if (state == HandTutorial::None && !m_drawHand) {
         emit drawFingersSignal({});
         emit drawFingersSignalOculus({});
@@ -369,6 +381,8 @@ void OrbLeap::run()
         return;
     }
     const std::lock_guard lock(m_mutex);
+    if (!m_isSteering)
+        return; // turned off while the frame was on its way
     std::vector<Leap::Frame> frames;
     frames.reserve(kFramesInUse);
     for (int age = 0; age < kFramesInUse; ++age)
@@ -397,7 +411,7 @@ bool OrbLeap::opensGate()
     for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
         const bool presses = type == QEvent::MouseButtonPress;
         QCoreApplication::postEvent(m_window,
-                                    new QMouseEvent(type, middle, Qt::LeftButton,
+                                    new QMouseEvent(type, middle, middle, middle, Qt::LeftButton,
                                                     presses ? Qt::LeftButton : Qt::NoButton,
                                                     Qt::NoModifier));
     }
@@ -492,6 +506,8 @@ void OrbLeap::runMenu(bool hasPointables)
     m_state.lastAction = menu.lastAction;
     if (menu.flipsMenu)
         setMenuState(!m_menuState);
+    if (!m_menuState)
+        return;
     attempt(HandGesture::PointerStep);
 }
 
@@ -592,20 +608,24 @@ bool OrbLeap::movePointer(const PointerStep::Result &result)
 {
     m_isPressed = result.state.isPressed;
     setPointer(result.state.pointer);
-    if (result.mouse) {
-        // A button that no mouse has, so that items know the pointer from it.
-        using Kind = PointerStep::MouseEvent::Kind;
-        const Kind kind = result.mouse->kind;
-        const auto type = kind == Kind::Press ? QEvent::MouseButtonPress
-            : kind == Kind::Release           ? QEvent::MouseButtonRelease
-                                              : QEvent::MouseMove;
-        QCoreApplication::postEvent(m_window,
-                                    new QMouseEvent(type, result.mouse->place,
-                                                    kind == Kind::Move ? Qt::NoButton
-                                                                       : Qt::ExtraButton24,
-                                                    Qt::NoButton, Qt::MetaModifier));
-    }
+    if (result.mouse)
+        postMouse(*result.mouse);
     return result.state.pointer.w() == 1;
+}
+
+/// With a button that no mouse has, so that items know the pointer from it.
+void OrbLeap::postMouse(const PointerStep::MouseEvent &event)
+{
+    using Kind = PointerStep::MouseEvent::Kind;
+    const auto type = event.kind == Kind::Press ? QEvent::MouseButtonPress
+        : event.kind == Kind::Release           ? QEvent::MouseButtonRelease
+                                                : QEvent::MouseMove;
+    const auto button = event.kind == Kind::Move ? Qt::NoButton : Qt::ExtraButton24;
+    // All places are given: where the mouse is may be asked for on the main thread alone.
+    const QPointF &place = event.place;
+    QCoreApplication::postEvent(m_window,
+                                new QMouseEvent(type, place, place, place, button, Qt::NoButton,
+                                                Qt::MetaModifier));
 }
 
 void OrbLeap::readView()
@@ -639,8 +659,10 @@ bool OrbLeap::apply(const HandDecision &decision)
     m_state = decision.state;
     m_state.view = before;
     writeView(decision.state.view);
-    if (decision.projection)
-        showProjectionByHand(*decision.projection);
+    if (decision.projection) {
+        m_builder->setProjection(*decision.projection);
+        onProjectionChangedByLeap();
+    }
     if (decision.bounce)
         emit pitchBounce(decision.bounce->pitch, decision.bounce->fov, decision.bounce->roll);
     if (decision.seekJump) {
@@ -656,18 +678,9 @@ bool OrbLeap::apply(const HandDecision &decision)
     return decision.acted;
 }
 
-void OrbLeap::showProjectionByHand(int projection)
-{
-    m_projectionByHand = connect(m_builder, &OrbShaderCodeBuilder::projectionChanged, this,
-                                 &OrbLeap::onProjectionChangedByLeap,
-                                 Qt::ConnectionType(Qt::DirectConnection | Qt::UniqueConnection));
-    m_builder->setProjection(projection);
-}
-
 void OrbLeap::onProjectionChangedByLeap()
 {
     const std::lock_guard lock(m_mutex);
-    disconnect(m_projectionByHand);
     readView();
     HandState changed = m_state;
     PlanetEvents::projectionChangedByHands(changed);

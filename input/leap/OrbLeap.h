@@ -131,6 +131,7 @@ public slots:
     /// A device came or went. On the main thread.
     void leapConnected(bool connected);
     /// The projection has changed as a hand wanted it: what the new one shows is the hand's choice.
+    /// On the thread that has changed it, as is the next.
     void onProjectionChangedByLeap();
     void onProjectionChanged();
     /// The bounce that `pitchBounce` has started is over. On the main thread.
@@ -196,10 +197,10 @@ private:
     void runMenu(bool hasPointables);
     void runTutorial();
     bool movePointer(const PointerStep::Result &result);
+    void postMouse(const PointerStep::MouseEvent &event);
     bool apply(const HandDecision &decision);
     void readView();
     void writeView(const HandView &view);
-    void showProjectionByHand(int projection);
     void rollBack(int age);
 
     // Of the main thread; `onMainThread` calls them there, at once if it is the caller's own.
@@ -244,12 +245,12 @@ private:
     QPointer<QObject> m_bar;
 
     mutable std::recursive_mutex m_mutex; ///< guards what follows
+    bool m_isSteering = false;            ///< frames are analysed
     QVector4D m_pointer{0, 0, 0, -1};
     bool m_isPressed = false; ///< the pointer holds a button
     HandState m_state;
     ViewHistory m_history;
     HandTutorial m_tutorial;
-    QMetaObject::Connection m_projectionByHand;
 
     // Of the frame in work.
     FrameHistory m_frames;

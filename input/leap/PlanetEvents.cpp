@@ -26,7 +26,8 @@ HandDecision PlanetEvents::animationFinished(const HandState &state, qint64 time
 {
     HandDecision decision;
     decision.state = state;
-    if (state.planet.state != PlanetState::None)
+    if (state.planet.state != PlanetState::None
+        || state.view.projection != OrbShaderCodeBuilder::LITTLE_PLANET)
         return decision;
     decision.acted = true;
     HandView &view = decision.state.view;

@@ -93,8 +93,12 @@ void pull(HandDecision &decision, const HandScene &scene)
 void release(HandDecision &decision)
 {
     Planet &planet = decision.state.planet;
+    // A narrow flat view would bounce to a planet of no size.
+    const double narrowest = 10; // degrees
     if (planet.state == PlanetState::MayBePulled)
-        decision.bounce = HandDecision::Bounce{planet.pullPitch, planet.planetFov, planet.pullRoll};
+        decision.bounce = HandDecision::Bounce{planet.pullPitch,
+                                               std::max(narrowest, planet.planetFov),
+                                               planet.pullRoll};
     else if (planet.state == PlanetState::Shown)
         decision.bounce = HandDecision::Bounce{planet.pullPitch, planet.pullFov, planet.pullRoll};
     planet.pullPitch = Planet::kNoPull;

@@ -16,8 +16,10 @@ HandDecision PlanetReturn::detect(const HandScene &scene, const HandState &state
     decision.acted = true;
     HandView &view = decision.state.view;
     decision.state.glide.yawSpeed = double(ViewMotion::recentWay(scene.frames).x) / 10 * 3;
+    HandOptions upright = scene.options;
+    upright.pitchInv = false; // towards 0, whatever the user's hands shall do
     if (view.pitch != 0)
-        ViewMotion::movePitch(view, scene.options, view.pitch < 0 ? -0.1 : 0.1, 20);
+        ViewMotion::movePitch(view, upright, view.pitch < 0 ? -0.1 : 0.1, 20);
     if (view.fov != kRestingFov) {
         const double step = view.fov < kRestingFov ? 0.08 : -0.08;
         ViewMotion::setFovClamped(view, double(view.fov) + step);

@@ -5,7 +5,7 @@
 #include <array>
 
 /// The view and its glide at the last hundred frames, so that what a gesture's own movement did to
-/// the view can be taken back. Before that many were recorded, the rest is the default view.
+/// the view can be taken back.
 class ViewHistory
 {
 public:

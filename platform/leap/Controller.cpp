@@ -7,10 +7,10 @@
 
 #include <QEventLoop>
 
-#include <algorithm>
 #include <deque>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace {
 

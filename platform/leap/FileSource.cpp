@@ -8,7 +8,7 @@
 
 namespace {
 
-Q_LOGGING_CATEGORY(lcHands, "orbix.hands")
+Q_LOGGING_CATEGORY(lcHands, "orbix.hands", QtWarningMsg)
 
 using namespace Leap;
 using std::chrono::microseconds;

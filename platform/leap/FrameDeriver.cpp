@@ -34,11 +34,31 @@ void Leap::FrameDeriver::complete(FrameData &frame, GestureTypes wanted)
     addSteadied(frame, float(seconds));
     if (!frame.gestures)
         frame.gestures = m_gestures.find(frame);
-    auto &gestures = *frame.gestures;
-    const auto isUnwanted = [wanted](const GestureData &gesture) {
-        return !wanted.contains(gesture.type);
+    keepWanted(*frame.gestures, wanted);
+}
+
+/// Those of the wanted types. A circle or swipe that was under way before it was wanted, or whose
+/// start was lost, starts where it is seen first.
+void Leap::FrameDeriver::keepWanted(std::vector<GestureData> &gestures, GestureTypes wanted)
+{
+    std::vector<int> underWay;
+    const auto isKept = [&](GestureData &gesture) {
+        if (!wanted.contains(gesture.type))
+            return false;
+        if (gesture.type != GestureType::Circle && gesture.type != GestureType::Swipe)
+            return true;
+        const bool isKnown = std::find(m_underWay.begin(), m_underWay.end(), gesture.id)
+            != m_underWay.end();
+        if (gesture.state == GestureState::Stop)
+            return isKnown;
+        if (!isKnown)
+            gesture.state = GestureState::Start;
+        underWay.push_back(gesture.id);
+        return true;
     };
-    gestures.erase(std::remove_if(gestures.begin(), gestures.end(), isUnwanted), gestures.end());
+    const auto firstDropped = std::stable_partition(gestures.begin(), gestures.end(), isKept);
+    gestures.erase(firstDropped, gestures.end());
+    m_underWay = std::move(underWay);
 }
 
 /// Stabilised positions, and touch zones by them.

@@ -36,10 +36,12 @@ private:
     };
 
     void addSteadied(FrameData &frame, float seconds);
+    void keepWanted(std::vector<GestureData> &gestures, GestureTypes wanted);
 
     PerId<Palm> m_palms;
     PerId<Fingertip> m_tips;
     GestureFinder m_gestures;
+    std::vector<int> m_underWay;        ///< ids of the circles and swipes of the last moment
     std::optional<std::int64_t> m_last; ///< µs
 };
 

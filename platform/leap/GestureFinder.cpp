@@ -110,9 +110,10 @@ void Leap::GestureFinder::follow(Lane &lane, const PointableData &pointable, std
          &lane.circleId);
     tell(lane, lane.swipe.feed(lane.track), &lane.swipeId);
     if (isPointing && !lane.circle.isDrawing()) {
-        int tapId = -1;
-        tell(lane, lane.keyTap.feed(lane.track), &tapId);
-        tell(lane, lane.screenTap.feed(lane.track), &tapId);
+        int keyTapId = -1;
+        int screenTapId = -1;
+        tell(lane, lane.keyTap.feed(lane.track), &keyTapId);
+        tell(lane, lane.screenTap.feed(lane.track), &screenTapId);
     }
 }
 

@@ -24,6 +24,8 @@ std::array<Vector, 3> basis(const HandData &hand)
 /// Of the rotation from one set of axes to the other, radians: its trace is 1 + 2 cos(angle).
 float angleBetween(const std::array<Vector, 3> &before, const std::array<Vector, 3> &now)
 {
+    if (before[0] == Vector() || now[0] == Vector())
+        return 0; // palm and fingers point the same way: no hand does
     float trace = 0;
     for (std::size_t i = 0; i < 3; ++i)
         trace += before[i].dot(now[i]);

@@ -306,8 +306,10 @@ ServiceMessage readEvent(const Fields &event)
     if (event.text("type") != "deviceEvent")
         return UnknownMessage();
     const Fields state(event.value("state"));
-    return DeviceEvent{textOf(state.text("id")), textOf(state.text("type")), state.flag("attached"),
-                       state.flag("streaming")};
+    const bool isAttached = state.flag("attached");
+    const bool isStreaming = state.has("streaming") ? state.flag("streaming") : isAttached;
+    return DeviceEvent{textOf(state.text("id")), textOf(state.text("type")), isAttached,
+                       isStreaming};
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <QWebSocket>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -13,9 +14,11 @@ Q_LOGGING_CATEGORY(lcHands, "orbix.hands", QtWarningMsg)
 using namespace Leap;
 using namespace std::chrono_literals;
 
-constexpr auto kPatience = 10s;
+constexpr auto kPatience = 2s;         // the service is on this machine
 constexpr std::size_t kMaxWaiting = 8; // frames; older ones only delay the hands
-constexpr int kMaxReason = 200;        // characters, some of which the service chooses
+constexpr auto kWatchInterval = 100ms;
+constexpr qint64 kMaxGreetingBytes = 16 * 1024; // at once
+constexpr int kMaxReason = 200;                 // characters, some of which the service chooses
 
 /// Why it has been disconnected.
 QString reasonOf(const QWebSocket &socket)
@@ -43,6 +46,11 @@ ServiceSource::ServiceSource(QUrl url, const ReconnectPauses &pauses)
     m_pause.setSingleShot(true);
     m_pause.setTimerType(Qt::PreciseTimer);
     m_patience.setSingleShot(true);
+    // Qt answers each ping, and keeps the answers that the other side does not read.
+    connect(&m_watch, &QTimer::timeout, this, [this] {
+        if (m_socket->bytesToWrite() > kMaxMessageBytes)
+            close(QStringLiteral("it does not read"));
+    });
     connect(&m_pause, &QTimer::timeout, this, &ServiceSource::open);
     connect(&m_patience, &QTimer::timeout, this, [this] { close(QStringLiteral("No answer")); });
 }
@@ -66,12 +74,14 @@ void ServiceSource::open()
     connect(m_socket, &QWebSocket::textMessageReceived, this, &ServiceSource::take);
     m_socket->open(m_url); // may fail at once
     if (m_socket)
-        m_socket->setReadBufferSize(2 * qint64(kMaxMessageBytes));
+        m_socket->setReadBufferSize(kMaxGreetingBytes); // Qt would keep an endless one
 }
 
 void ServiceSource::greet()
 {
     m_patience.stop();
+    m_watch.start(kWatchInterval);
+    m_socket->setReadBufferSize(2 * qint64(kMaxMessageBytes));
     m_socket->sendTextMessage(QStringLiteral("{\"focused\":true}"));
     m_socket->sendTextMessage(QStringLiteral("{\"background\":true}"));
     m_socket->sendTextMessage(QStringLiteral("{\"optimizeHMD\":false}"));
@@ -90,7 +100,8 @@ void ServiceSource::take(const QString &text)
                qPrintable(m_url.toDisplayString()));
     m_isHeard = true;
     m_saidAbsent = false;
-    m_nextPause = m_pauses.first;
+    if (std::holds_alternative<FrameData>(message) || std::holds_alternative<DeviceEvent>(message))
+        m_nextPause = m_pauses.first;
 
     const bool wasConnected = m_stream.isConnected();
     const bool isNew = m_stream.take(message);
@@ -121,14 +132,15 @@ void ServiceSource::close(const QString &reason)
     m_socket->deleteLater();
     m_socket = nullptr;
     m_patience.stop();
+    m_watch.stop();
+    const QString said = reason.simplified().left(kMaxReason);
     if (m_isHeard)
-        qCInfo(lcHands, "The tracking service has gone: %s", qPrintable(reason.left(kMaxReason)));
+        qCInfo(lcHands, "The tracking service has gone: %s", qPrintable(said));
     else if (!m_saidAbsent)
         qCInfo(lcHands, "No tracking service at %s: %s", qPrintable(m_url.toDisplayString()),
-               qPrintable(reason.left(kMaxReason)));
+               qPrintable(said));
     m_saidAbsent = !m_isHeard;
     m_isHeard = false;
-    m_warnings.clear();
     m_waiting.clear();
     if (std::exchange(m_stream, {}).isConnected())
         emit connectedChanged(false);

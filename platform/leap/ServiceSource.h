@@ -20,8 +20,8 @@ struct ReconnectPauses
 };
 
 /// The tracking service of this machine, over WebSocket. It tries to connect for ever; a connection
-/// that gave a message starts the pauses anew. What is wrong with a message is logged once a
-/// connection, that there is no service once until there was one.
+/// that told of a device starts the pauses anew. What is wrong with a message is logged once, that
+/// there is no service once until there was one.
 class ServiceSource : public FrameSource
 {
     Q_OBJECT
@@ -48,10 +48,11 @@ private:
     std::chrono::milliseconds m_nextPause;
     QTimer m_pause;    ///< until the next attempt
     QTimer m_patience; ///< with the one that is under way
+    QTimer m_watch;    ///< over the connection
     QWebSocket *m_socket = nullptr;
     bool m_isHeard = false;    ///< has the connection given a message?
     bool m_saidAbsent = false; ///< since it was last heard
-    QSet<QString> m_warnings;  ///< of this connection
+    QSet<QString> m_warnings;  ///< that were logged
     Leap::MessageStream m_stream;
     std::deque<Leap::FrameData> m_waiting; ///< the newest that came since the last pass
 };

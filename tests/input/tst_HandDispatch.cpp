@@ -59,6 +59,7 @@ void tst_HandDispatch::eachModeAsksItsGestures_data()
     // What differs from mode 3, a rectilinear picture, a single closed hand, all switches as at the
     // start, and the last action long ago:
     //   nothing  no fingers            glide  the view glides on     pinch  a pinch is held
+    //   pulled   a pull is under way
     //   open, opens, two   one open hand, two open hands, two closed ones
     //   point, points      one finger stretched, one on each of two hands
     //   roll, -fov, -clap, -seek       switches
@@ -101,6 +102,8 @@ void tst_HandDispatch::eachModeAsksItsGestures_data()
     row(3, Builder::RECTILINEAR, "nothing", "", "");
     row(3, Builder::RECTILINEAR, "nothing glide", "", "inertia circle pull zoom two open clap");
     row(3, Builder::RECTILINEAR, "nothing pinch", "pull", "inertia circle pull");
+    row(3, Builder::LITTLE_PLANET, "nothing pulled", "pull", "inertia circle pull");
+    row(4, Builder::LITTLE_PLANET, "nothing pulled", "pull", "circle pull");
     row(3, Builder::RECTILINEAR, "", "circle", "inertia circle");
     row(3, Builder::RECTILINEAR, "recent", "", "inertia pull zoom two open clap");
     row(3, Builder::RECTILINEAR, "-seek -fov -clap", "", "inertia pull two open");
@@ -166,6 +169,7 @@ void tst_HandDispatch::eachModeAsksItsGestures()
     state.view.fov = has("near") ? 14.0F : 90.0F;
     state.glide.pitchSpeed = has("glide") ? 1 : 0;
     state.planet.pinchHeld = has("pinch");
+    state.planet.pullPitch = has("pulled") ? 0 : Planet::kNoPull;
     state.planet.state = has("none") ? PlanetState::None : PlanetState::Shown;
     state.lastAction = has("recent") ? kNow - 1500000 : kNow - 1500001;
     HandSwitches switches;

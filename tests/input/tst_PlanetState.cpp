@@ -104,6 +104,7 @@ private slots:
     void aFlatPictureAndItsPlanetFitEachOther();
     void aPullEndsByWhereThePlanetComesToRest_data();
     void aPullEndsByWhereThePlanetComesToRest();
+    void aNarrowPictureBouncesToThePlanetsLeast();
     void aPulledPlanetBouncesToWhereItWas();
     void aPullInAnotherProjectionChangesNothing();
 };
@@ -141,6 +142,7 @@ void tst_PlanetState::eventsMoveTheState_data()
     row("a bounce below it", S::None, kPlanet, false, bounceTo(1e-6F), S::Shown, kPlanet);
     row("a bounce outrun by others", S::MayBePulled, kFlat, false, bounceTo(1), S::MayBePulled,
         kFlat);
+    row("a bounce in another projection", S::None, kBall, false, bounceTo(0), S::None, kBall);
     row("others show a planet", S::MayBePulled, kFlat, false, project(kPlanet), S::Shown, kPlanet);
     row("others show it flat", S::Shown, kPlanet, false, project(kFlat), S::MayBePulled, kFlat);
     row("others show a ball", S::Shown, kPlanet, false, project(kBall), S::None, kBall);
@@ -260,6 +262,15 @@ void tst_PlanetState::aPullEndsByWhereThePlanetComesToRest()
     QTEST(session.state.planet.state, "state");
     QTEST(session.state.view.fov, "fov");
     QTEST(session.state.view.roll, "roll");
+}
+
+void tst_PlanetState::aNarrowPictureBouncesToThePlanetsLeast()
+{
+    Session session;
+    session.state.view.setFov(15); // of a planet it would be -1.7
+    QVERIFY(session.pinch());
+    QVERIFY(session.letGo());
+    QCOMPARE(session.last.bounce->fov, 10.0);
 }
 
 void tst_PlanetState::aPulledPlanetBouncesToWhereItWas()

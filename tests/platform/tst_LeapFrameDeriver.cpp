@@ -18,6 +18,8 @@ private slots:
     void whatTheServiceTellsStays();
     void gesturesAreThoseWanted_data();
     void gesturesAreThoseWanted();
+    void aCircleThatWasUnderWayStartsWhereItIsSeen_data();
+    void aCircleThatWasUnderWayStartsWhereItIsSeen();
     void whatVanishesIsForgotten_data();
     void whatVanishesIsForgotten();
     void noMomentHarms();
@@ -166,6 +168,36 @@ void tst_LeapFrameDeriver::gesturesAreThoseWanted()
         isThere = isThere || !frame.gestures->empty();
     }
     QCOMPARE(isThere, isFound);
+}
+
+void tst_LeapFrameDeriver::aCircleThatWasUnderWayStartsWhereItIsSeen_data()
+{
+    QTest::addColumn<bool>("isPublished");
+    QTest::newRow("found") << false;
+    QTest::newRow("the service's") << true;
+}
+
+void tst_LeapFrameDeriver::aCircleThatWasUnderWayStartsWhereItIsSeen()
+{
+    QFETCH(const bool, isPublished);
+    auto frames = HandMotion("point in 0 | hold 0.2 | circle r 30 turns 3 in 3").frames(100);
+    FrameDeriver deriver;
+    QString states;
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        FrameData &frame = frames[i];
+        if (isPublished) {
+            GestureData circle;
+            circle.type = GestureType::Circle;
+            circle.state = GestureState::Update;
+            frame.gestures = {circle};
+        }
+        deriver.complete(frame, i < 200 ? GestureTypes() : GestureTypes::all());
+        for (const GestureData &gesture : *frame.gestures)
+            states += QString::number(int(gesture.state));
+    }
+    QVERIFY(states.size() > 50);
+    QCOMPARE(states.count('1'), 1);
+    QVERIFY(states.startsWith("12"));
 }
 
 void tst_LeapFrameDeriver::whatVanishesIsForgotten_data()

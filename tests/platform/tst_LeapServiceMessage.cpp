@@ -73,7 +73,7 @@ void tst_LeapServiceMessage::tellsMessagesApart_data()
             {"attached": true, "id": "N7", "streaming": true, "type": "Peripheral"}}})",
         "N7 Peripheral 1 1");
     row("event with a number as id",
-        R"({"event": {"type": "deviceEvent", "state": {"attached": true, "id": 12}}})", "12  1 0");
+        R"({"event": {"type": "deviceEvent", "state": {"attached": true, "id": 12}}})", "12  1 1");
     row("event without a state", R"({"event": {"type": "deviceEvent"}})", "  0 0");
     row("another event", R"({"event": {"type": "policyEvent"}})", "unknown");
     row("no event", R"({"event": 3, "version": 6})", "unknown");

@@ -184,8 +184,9 @@ void tst_LeapServiceSource::waitsLongerEachTime()
         QVERIFY2(at[i] - at[i - 1] >= pause - 1, qPrintable(QString::number(at[i] - at[i - 1])));
         pause = qMin(2 * pause, qint64(320));
     }
-    // The last two, of the longest pause; then one that gives a message.
-    service.onConnect.append(QStringLiteral(R"({"version": 6})"));
+    // The last two, of the longest pause; then one that tells of a device.
+    service.onConnect.append(QStringLiteral(
+        R"({"event": {"type": "deviceEvent", "state": {"attached": true, "id": "1"}}})"));
     const std::size_t before = at.size();
     QTRY_VERIFY(at.size() >= before + 2);
     QVERIFY2(at[before + 1] - at[before] < 320, "the pauses did not begin anew");
