@@ -17,8 +17,8 @@ using namespace std::chrono_literals;
 constexpr auto kPatience = 2s;         // the service is on this machine
 constexpr std::size_t kMaxWaiting = 8; // frames; older ones only delay the hands
 constexpr auto kWatchInterval = 100ms;
-constexpr qint64 kMaxGreetingBytes = 16 * 1024; // at once
-constexpr int kMaxReason = 200;                 // characters, some of which the service chooses
+constexpr qint64 kMaxGreetingBytes = 16384; // at once
+constexpr int kMaxReason = 200;             // characters, some of which the service chooses
 
 /// Why it has been disconnected.
 QString reasonOf(const QWebSocket &socket)

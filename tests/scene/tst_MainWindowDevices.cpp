@@ -31,6 +31,15 @@ private:
         return control(QStringLiteral("Timeline"), QAccessible::Slider)->width();
     }
 
+    void watchPitch()
+    {
+        m_hasRisen = m_hasRisen || view()->pitch() > m_lastPitch;
+        m_lastPitch = view()->pitch();
+    }
+
+    bool m_hasRisen = false;
+    float m_lastPitch = 0;
+
 private slots:
     void init();
     void cleanup();
@@ -280,16 +289,14 @@ void tst_MainWindowDevices::theViewBouncesBackToItsRest()
     view()->setPitch(1);
     view()->setFov(40);
     view()->setRoll(0.3F);
-    bool hasRisen = false; // it bounces
-    float last = view()->pitch();
-    const auto watch = connect(view(), &OrbGlobalObject::pitchChanged, this, [&] {
-        hasRisen |= view()->pitch() > last;
-        last = view()->pitch();
-    });
+    m_hasRisen = false;
+    m_lastPitch = view()->pitch();
+    const auto watch = connect(view(), &OrbGlobalObject::pitchChanged, this,
+                               &tst_MainWindowDevices::watchPitch);
     scene(QStringLiteral("orbLeap.pitchBounce(0.5, %1, 0.1)").arg(fov));
     QTRY_COMPARE(view()->pitch(), 0.5F);
     disconnect(watch);
-    QVERIFY(hasRisen);
+    QVERIFY(m_hasRisen); // it bounces
     QTRY_VERIFY([&] {
         QFETCH(QVector<float>, rest);
         return now() == rest;
