@@ -86,6 +86,8 @@ private slots:
     void modesAndThePointer();
     void switchesThatGoResetTheView();
     void theMenuTakesTheCirclesAway();
+    void aSwipeClosesTheMenu();
+    void aHeldPressIsLetGoWhenTurnedOff();
     void aHandOverTheEdgeIsTold();
     void aClapPausesAndTakesTheViewBack();
     void aCircleSeeks();
@@ -334,6 +336,37 @@ void tst_OrbLeap::theMenuTakesTheCirclesAway()
         show({HandPose().fist()}, 1, gesture(Leap::GestureType::Circle));
         QCOMPARE(clicks.places.isEmpty(), open);
     }
+}
+
+void tst_OrbLeap::aSwipeClosesTheMenu()
+{
+    openGate();
+    m_leap->setMenuState(true);
+    const HandPose onEdge = HandPose().rolled(1.5707963F);
+    Leap::GestureData swipe = gesture(Leap::GestureType::Swipe);
+    swipe.duration = 130000;
+    swipe.direction = {-1, 0, 0};
+    swipe.startPosition = {100, 200, 0};
+    swipe.speed = 1000;
+    show({onEdge}, 70); // a second since the last action
+    QVERIFY(m_leap->menuState());
+    show({onEdge}, 1, swipe);
+    QVERIFY(!m_leap->menuState());
+}
+
+void tst_OrbLeap::aHeldPressIsLetGoWhenTurnedOff()
+{
+    openGate();
+    m_leap->setCameraMode(CameraMode::kFinger);
+    Clicks clicks;
+    m_window->installEventFilter(&clicks);
+    show({HandPose().pointing().at({0, 200, 130})}, 40); // in front of the plane of touch
+    QVERIFY(clicks.places.isEmpty());
+    show({HandPose().pointing().at({0, 200, 60})}, 30);
+    QCOMPARE(clicks.places.size(), 1);
+    m_leap->setActivated(false);
+    QCoreApplication::processEvents();
+    QCOMPARE(clicks.places.size(), 2);
 }
 
 void tst_OrbLeap::aHandOverTheEdgeIsTold()
