@@ -6,24 +6,13 @@ namespace {
 
 using namespace Leap;
 
-/// The item with the least, or the greatest, x.
+/// The item whose place is the farthest to that side, -1 left or 1 right; the first of equals.
 template <class List, class Position>
-auto leftmostOf(const List &list, const Position &position)
+auto outermostOf(const List &list, const Position &position, float side)
 {
     int best = 0;
     for (int i = 1; i < list.count(); ++i) {
-        if (position(list[i]).x < position(list[best]).x)
-            best = i;
-    }
-    return list[best];
-}
-
-template <class List, class Position>
-auto rightmostOf(const List &list, const Position &position)
-{
-    int best = 0;
-    for (int i = 1; i < list.count(); ++i) {
-        if (position(list[i]).x > position(list[best]).x)
+        if (position(list[i]).x * side > position(list[best]).x * side)
             best = i;
     }
     return list[best];
@@ -192,32 +181,32 @@ Leap::SwipeGesture::SwipeGesture(const Gesture &gesture)
 
 Leap::Hand Leap::HandList::leftmost() const
 {
-    return leftmostOf(*this, palmOf);
+    return outermostOf(*this, palmOf, -1);
 }
 
 Leap::Hand Leap::HandList::rightmost() const
 {
-    return rightmostOf(*this, palmOf);
+    return outermostOf(*this, palmOf, 1);
 }
 
 Leap::Pointable Leap::PointableList::leftmost() const
 {
-    return leftmostOf(*this, tipOf);
+    return outermostOf(*this, tipOf, -1);
 }
 
 Leap::Pointable Leap::PointableList::rightmost() const
 {
-    return rightmostOf(*this, tipOf);
+    return outermostOf(*this, tipOf, 1);
 }
 
 Leap::Tool Leap::ToolList::leftmost() const
 {
-    return leftmostOf(*this, tipOf);
+    return outermostOf(*this, tipOf, -1);
 }
 
 Leap::Tool Leap::ToolList::rightmost() const
 {
-    return rightmostOf(*this, tipOf);
+    return outermostOf(*this, tipOf, 1);
 }
 
 Leap::FingerList Leap::FingerList::extended() const
